@@ -1,0 +1,13 @@
+// Benchmark set-up: a runtime on the headless host, window 0 initialised at a chosen depth with
+// the bold 16 x 32 font, the log silenced.
+#pragma once
+
+#include "rvtools/headless.hpp"
+#include "rvtools/rvtools.hpp"
+
+namespace rvtools::bench {
+
+// Window 0 with columns x lines cells of the bold font at `depth` bits, freshly cleared.
+void prepareTextWindow(Int depth, Int columns = 80, Int lines = 25);
+
+}  // namespace rvtools::bench

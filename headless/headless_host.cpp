@@ -1,0 +1,197 @@
+// The headless host: eight off-screen views and records of every frame operation, for tests,
+// benchmarks and programs without a display. It has no interface thread of its own; platform
+// work runs on the calling thread, one piece at a time.
+#include "rvtools/headless.hpp"
+
+#include <unistd.h>
+
+#include <climits>
+#include <thread>
+
+#include "runtime/log.hpp"
+#include "runtime/threads.hpp"
+#include "rvtools/runtime.hpp"
+
+namespace rvtools {
+namespace {
+
+constexpr ScreenSize HeadlessScreen = {1920, 1080};
+
+// The <Name>.app folder around the running executable (<Name>.app/Contents/MacOS/program), or
+// the executable's folder when it lies in no bundle.
+std::string bundleAroundExecutable() {
+  char buffer[PATH_MAX];
+  const ssize_t length = readlink("/proc/self/exe", buffer, sizeof buffer - 1);
+  if (length <= 0) return ".";
+  std::string path(buffer, static_cast<size_t>(length));
+  path.erase(path.rfind('/'));
+  const std::string contents = "/Contents/MacOS";
+  if (path.size() > contents.size() && path.ends_with(contents)) {
+    path.erase(path.size() - contents.size());
+  }
+  return path;
+}
+
+// Handles are the addresses of the host's own records, so they are unique and never null.
+PlatformHandle handleOf(const void* record) {
+  return record;
+}
+
+}  // namespace
+
+HeadlessHost::HeadlessHost(std::string bundlePath)
+    : bundlePath_(bundlePath.empty() ? bundleAroundExecutable() : std::move(bundlePath)) {
+  for (int n = 0; n < 8; ++n) windows_[n].HasView = true;
+}
+
+HeadlessHost::WindowState HeadlessHost::windowState(UInt8 window) const {
+  std::lock_guard lock(mutex_);
+  return window < WindowCount ? windows_[window] : WindowState{};
+}
+
+void HeadlessHost::setViewPresent(UInt8 window, bool present) {
+  std::lock_guard lock(mutex_);
+  if (window < 8) windows_[window].HasView = present;
+}
+
+int HeadlessHost::beeps() const {
+  std::lock_guard lock(mutex_);
+  return beeps_;
+}
+
+int HeadlessHost::clicks() const {
+  std::lock_guard lock(mutex_);
+  return clicks_;
+}
+
+bool HeadlessHost::isInterfaceThread() const {
+  return true;
+}
+
+void HeadlessHost::runOnInterfaceThread(const std::function<void()>& work) {
+  std::lock_guard lock(mutex_);
+  work();
+}
+
+PlatformHandle HeadlessHost::windowHandle(UInt8 window) {
+  std::lock_guard lock(mutex_);
+  if (window >= WindowCount || (window < 8 && !windows_[window].HasView)) return nullptr;
+  return handleOf(&windows_[window]);
+}
+
+PlatformHandle HeadlessHost::viewHandle(UInt8 window) {
+  std::lock_guard lock(mutex_);
+  if (window >= 8 || !windows_[window].HasView) return nullptr;
+  return handleOf(&windows_[window].Image);
+}
+
+// The off-screen view redraws at once: it composes the window's picture into its buffer.
+void HeadlessHost::displayView(UInt8 window, bool) {
+  if (window >= 8) return;
+  t_Window& record = Windows[window];
+  std::lock_guard lock(mutex_);
+  WindowState& state = windows_[window];
+  if (!state.HasView) return;
+  record.VerticalBlank = false;
+  const Int width = record.Width, height = record.Height;
+  state.Image.resize(static_cast<size_t>(width > 0 && height > 0 ? width * height * 4 : 0));
+  if (t_WindowImageInto(window, state.Image.data(), state.Image.size(),
+                        PixelOrder::AlphaRedGreenBlue)) {
+    ++state.Redraws;
+  }
+  record.VerticalBlank = true;
+}
+
+void HeadlessHost::setWindowTitle(UInt8 window, const std::string& title) {
+  std::lock_guard lock(mutex_);
+  if (window < WindowCount) windows_[window].Title = title;
+}
+
+void HeadlessHost::setWindowTitleVisible(UInt8 window, bool visible) {
+  std::lock_guard lock(mutex_);
+  if (window < WindowCount) windows_[window].TitleVisible = visible;
+}
+
+void HeadlessHost::setWindowPosition(UInt8 window, Int x, Int y) {
+  std::lock_guard lock(mutex_);
+  if (window >= WindowCount) return;
+  windows_[window].Frame.X = x;
+  windows_[window].Frame.Y = y;
+}
+
+void HeadlessHost::setWindowContentSize(UInt8 window, Int width, Int height) {
+  std::lock_guard lock(mutex_);
+  if (window >= WindowCount) return;
+  windows_[window].Frame.Width = width;
+  windows_[window].Frame.Height = height;
+}
+
+void HeadlessHost::bringWindowToFront(UInt8 window) {
+  setWindowVisible(window, true);
+}
+
+void HeadlessHost::centerWindow(UInt8 window) {
+  std::lock_guard lock(mutex_);
+  if (window >= WindowCount) return;
+  WindowFrame& frame = windows_[window].Frame;
+  frame.X = (HeadlessScreen.Width - frame.Width) / 2;
+  frame.Y = (HeadlessScreen.Height - frame.Height) / 2;
+}
+
+void HeadlessHost::setWindowVisible(UInt8 window, bool visible) {
+  std::lock_guard lock(mutex_);
+  if (window < WindowCount) windows_[window].Frame.Visible = visible;
+}
+
+WindowFrame HeadlessHost::windowFrame(UInt8 window) {
+  std::lock_guard lock(mutex_);
+  return window < WindowCount ? windows_[window].Frame : WindowFrame{};
+}
+
+ScreenSize HeadlessHost::screenSize() {
+  return HeadlessScreen;
+}
+
+void HeadlessHost::setBorderColor(UInt8 window, t_RGBColor color) {
+  std::lock_guard lock(mutex_);
+  if (window < WindowCount) windows_[window].Border = color;
+}
+
+std::string HeadlessHost::bundlePath() {
+  return bundlePath_;
+}
+
+bool HeadlessHost::playSound(Sound sound) {
+  std::lock_guard lock(mutex_);
+  ++(sound == Sound::Click ? clicks_ : beeps_);
+  return true;
+}
+
+void HeadlessHost::systemBeep() {
+  std::lock_guard lock(mutex_);
+  ++beeps_;
+}
+
+std::string HeadlessHost::pasteboardText() {
+  std::lock_guard lock(mutex_);
+  return pasteboard_;
+}
+
+void HeadlessHost::setPasteboardText(const std::string& text) {
+  std::lock_guard lock(mutex_);
+  pasteboard_ = text;
+}
+
+int runHeadless(int, char**, std::function<void()> entry) {
+  static auto* host = new HeadlessHost;
+  setHost(*host);
+  CurrentThreadNumber();
+  initrvtools();
+  logLine("Program: Start.");
+  startprocess(std::move(entry), ProgramThreadStackSize);
+  LaunchFinished = true;
+  while (ProgramStartPending || runningProgramThreads() > 0) sleepFor(0, 10000000);
+  return 0;
+}
+
+}  // namespace rvtools

@@ -1,0 +1,67 @@
+// rvtools: display: window images, low-resolution graphics, colours and the refresh.
+//
+// A window's picture is its graphic memory; `t_WindowImage` turns it into four bytes a pixel
+// (alpha, red, green, blue). Low-resolution graphics live in the text cells: colour blocks of
+// two points a cell, or quarter blocks of 2 x 2 points. The refresh thread asks each view to
+// redraw at its window's refresh rate.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "rvtools/types.hpp"
+
+namespace rvtools {
+
+// ---------------------------------------------------------------------------------------------
+// Window image composition
+
+// Width x Height pixels, rows from the top, bytes alpha, red, green, blue.
+struct t_Image {
+  Int Width = 0;
+  Int Height = 0;
+  std::vector<UInt8> Pixels;
+};
+
+// The window's picture; nothing when the window is not initialised or not visible.
+std::optional<t_Image> t_WindowImage(UInt8 window);
+
+// The byte order that `t_WindowImageInto` writes.
+enum class PixelOrder {
+  AlphaRedGreenBlue,  // bytes A, R, G, B, as t_WindowImage
+  NativeArgb32,       // 32-bit words 0xAARRGGBB in the machine's byte order
+};
+
+// Composes the picture straight into a caller's buffer of Width x Height x 4 bytes, so that a
+// view reuses one buffer for every frame. Returns false, as t_WindowImage returns nothing.
+bool t_WindowImageInto(UInt8 window, UInt8* pixels, std::size_t byteCount, PixelOrder order);
+
+// ---------------------------------------------------------------------------------------------
+// Graphic modes and low-resolution plotting
+
+void t_Graphic(UInt8 window, bool full);                    // sets the area and blanks the screen
+void t_FullArea(UInt8 window);                              // text area = whole window
+void t_MixedArea(UInt8 window);                             // text area = the last five lines
+void t_Plot(UInt8 window, Int x, Int y);                    // a point in the foreground colour
+void t_PlotHalfSize(UInt8 window, Int x, Int y, bool set);  // a quarter-block point
+void t_PlotString(UInt8 window, Int x, Int y, const std::string& pattern);  // "*" are points
+void t_LoResOffset(UInt8 window, Int x, Int y);  // added to every plot position
+Int t_Scrn(UInt8 window, Int x, Int y);          // colour of a point, or -1
+void t_InvertRect(UInt8 window, Int firstColumn, Int firstLine, Int lastColumn, Int lastLine);
+std::string t_GetScreen(UInt8 window, const std::string& separator);  // the text screen
+
+// ---------------------------------------------------------------------------------------------
+// Colours
+
+void t_Color(UInt8 window, Int color);        // foreground of text and plots
+void t_ColorBorder(UInt8 window, Int color);  // the border around the picture
+
+// ---------------------------------------------------------------------------------------------
+// Display refresh
+
+void t_WindowAutoUpdateProcess();                  // the refresh loop, on a thread of its own
+void t_WindowUpdate(UInt8 window, bool deferred);  // asks the view to redraw
+
+}  // namespace rvtools

@@ -1,0 +1,90 @@
+// rvtools: the host, the one seam between the runtime and the platform it runs on.
+//
+// The runtime never talks to a windowing system itself. Every platform need (window frames,
+// views, the border colour, sounds, the pasteboard, the bundle path, the clock and the random
+// source) goes through the host that the application sets once at start-up. The Qt shell and
+// the headless host implement this interface. Every method may be called from any thread; a
+// host carries platform work over to its interface thread and waits for it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "rvtools/types.hpp"
+
+namespace rvtools {
+
+// Window numbers: 0..7 graphic windows, 8 pasteboard, 9 virtual printer, 10 system console,
+// 11 preferences, 12 main window, 255 no window.
+inline constexpr UInt8 PasteboardWindowNumber = 8;
+inline constexpr UInt8 VirtualPrinterWindowNumber = 9;
+inline constexpr UInt8 SystemConsoleWindowNumber = 10;
+inline constexpr UInt8 PreferencesWindowNumber = 11;
+inline constexpr UInt8 MainWindowNumber = 12;
+inline constexpr UInt8 NoWindow = 255;
+
+// A platform window's frame in screen coordinates, and whether it is shown.
+struct WindowFrame {
+  Int X = 0;
+  Int Y = 0;
+  Int Width = 0;
+  Int Height = 0;
+  bool Visible = false;
+};
+
+struct ScreenSize {
+  Int Width = 0;
+  Int Height = 0;
+};
+
+enum class Sound { Click, Beep };
+
+class Host {
+ public:
+  virtual ~Host() = default;
+
+  // Threads: whether the caller is the interface thread, and synchronous work there.
+  virtual bool isInterfaceThread() const = 0;
+  virtual void runOnInterfaceThread(const std::function<void()>& work) = 0;
+
+  // Window lookup: the platform window of numbers 0..12 and the view of 0..7, or null.
+  virtual PlatformHandle windowHandle(UInt8 window) = 0;
+  virtual PlatformHandle viewHandle(UInt8 window) = 0;
+  // Asks view 0..7 to redraw: later when deferred, at once otherwise.
+  virtual void displayView(UInt8 window, bool deferred) = 0;
+
+  // Window frame operations on numbers that have a window.
+  virtual void setWindowTitle(UInt8 window, const std::string& title) = 0;
+  virtual void setWindowTitleVisible(UInt8 window, bool visible) = 0;
+  virtual void setWindowPosition(UInt8 window, Int x, Int y) = 0;
+  virtual void setWindowContentSize(UInt8 window, Int width, Int height) = 0;
+  virtual void bringWindowToFront(UInt8 window) = 0;
+  virtual void centerWindow(UInt8 window) = 0;
+  virtual void setWindowVisible(UInt8 window, bool visible) = 0;
+  virtual WindowFrame windowFrame(UInt8 window) = 0;
+  virtual ScreenSize screenSize() = 0;
+  virtual void setBorderColor(UInt8 window, t_RGBColor color) = 0;
+
+  // The folder <Name>.app around the executable; resources lie in Contents/Resources.
+  virtual std::string bundlePath() = 0;
+
+  // Sounds: plays a sound unless it is still playing; false when it could not be loaded.
+  virtual bool playSound(Sound sound) = 0;
+  virtual void systemBeep() = 0;
+
+  // The general pasteboard's plain text.
+  virtual std::string pasteboardText() = 0;
+  virtual void setPasteboardText(const std::string& text) = 0;
+
+  // The absolute clock in seconds since 1 January 2001, and the cryptographic random source.
+  virtual double absoluteTime();
+  virtual std::uint32_t randomWord();
+};
+
+// Installs the host; the application does this once before the program starts.
+void setHost(Host& host);
+// The installed host; until one is installed, a host without any window stands in.
+Host& host();
+
+}  // namespace rvtools

@@ -1,0 +1,165 @@
+// rvtools: runtime state, start-up, video memory, window frames and utilities.
+//
+// The runtime keeps its whole state in process-wide globals that are created once and never
+// freed: eight window records, one shared video memory, the palette, the event queues and a
+// few flags. The user program runs on a thread of its own (`startprocess`) and initialises its
+// windows with `t_InitWindow`, which hands out blocks of video memory downward from
+// `HighMemory`.
+#pragma once
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rvtools/host.hpp"
+#include "rvtools/types.hpp"
+
+namespace rvtools {
+
+// ---------------------------------------------------------------------------------------------
+// Global state
+
+inline constexpr Int VideoMemorySize = 0x100000F;
+inline constexpr Int TopOfVideoMemory = 0xFFFFFF;
+inline constexpr Int ProgramThreadStackSize = 1073741824;
+
+extern std::array<t_Window, 8>& Windows;  // record n belongs to graphic window n
+extern std::vector<UInt8>& VideoMemory;   // empty until t_InitMemory, then 0x100000F bytes
+extern Int HighMemory;                    // highest address not yet given to a window
+extern Relaxed<bool> MemoryInitStarted;
+extern Relaxed<bool> MemoryInitialized;
+extern Relaxed<bool> ToolsInitialized;
+extern Relaxed<bool> AutoUpdateRunning;  // the refresh thread runs
+extern Relaxed<UInt8> DefaultWindow;     // the first window initialised; 255 until then
+extern std::function<void()>& ProgramEntry;
+extern Relaxed<bool> ProgramStartPending;
+extern Relaxed<Int> ProgramStackSize;
+extern Relaxed<Int> LastRandom;
+extern Relaxed<bool> ApplicationActive;
+extern Relaxed<bool> LaunchFinished;
+extern Relaxed<Int> TitleBarDelta;
+extern std::function<void()>& TerminationHandler;
+extern std::vector<UInt8>& UpperCaseTable;
+extern std::vector<UInt8>& LowerCaseTable;
+extern std::vector<UInt8>& HexDigits;
+extern std::vector<Int>& DigitValues;
+extern std::vector<t_MenuAction>& MenuActions;
+
+// The 16-colour palette: colour number to red, green and blue.
+extern const std::array<UInt8, 16> PaletteRed;
+extern const std::array<UInt8, 16> PaletteGreen;
+extern const std::array<UInt8, 16> PaletteBlue;
+// Palette colour n as an opaque colour; 16 and above give black.
+t_RGBColor PaletteColor(Int n);
+
+// ---------------------------------------------------------------------------------------------
+// Event queues: first in, first out, safe to fill on one thread and take on another. Each
+// keeps its pending flag equal to "not empty".
+
+template <typename Event>
+class EventQueueOf {
+ public:
+  explicit EventQueueOf(Relaxed<bool>& pending) : pending_(pending) {}
+
+  void append(Event event) {
+    std::lock_guard lock(mutex_);
+    events_.push_back(std::move(event));
+    pending_ = true;
+  }
+  std::optional<Event> takeFirst() {
+    std::lock_guard lock(mutex_);
+    if (events_.empty()) return std::nullopt;
+    Event first = std::move(events_.front());
+    events_.pop_front();
+    pending_ = !events_.empty();
+    return first;
+  }
+  std::optional<Event> last() const {
+    std::lock_guard lock(mutex_);
+    if (events_.empty()) return std::nullopt;
+    return events_.back();
+  }
+  std::size_t count() const {
+    std::lock_guard lock(mutex_);
+    return events_.size();
+  }
+  void clear() {
+    std::lock_guard lock(mutex_);
+    events_.clear();
+    pending_ = false;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::deque<Event> events_;
+  Relaxed<bool>& pending_;
+};
+
+extern Relaxed<bool> EventPending;
+extern EventQueueOf<t_Event>& EventQueue;  // key events of all windows
+extern Relaxed<bool> MouseEventPending;
+extern EventQueueOf<t_Event>& MouseEventQueue;
+extern Relaxed<bool> MenuEventPending;
+extern EventQueueOf<t_MenuEvent>& MenuEventQueue;
+extern t_Event& LastEvent;  // the event most recently taken by t_GetKey
+extern Relaxed<bool> KeyIsDown;
+extern Relaxed<bool> CapsLockDown, ShiftDown, ControlDown, OptionDown, CommandDown, FnDown;
+extern Relaxed<bool> LeftMouseDown, RightMouseDown;
+
+// ---------------------------------------------------------------------------------------------
+// Start-up and the program thread
+
+void initrvtools();                                             // fills the character tables
+void startprocess(std::function<void()> entry, Int stackSize);  // starts a program thread
+void startprocessasync(std::function<void()> entry);            // runs a callback on a worker
+void t_InitMemory();                                            // creates records and memory
+Int CurrentThreadNumber();                                      // 1 interface, 2 program, ...
+void t_Beep();                                                  // the system beep sound
+void t_PlayClick();                                             // the click sound, or a beep
+[[noreturn]] void t_QuitProgram(UInt8 window);                  // ends the program thread
+
+// ---------------------------------------------------------------------------------------------
+// Video memory and window initialisation
+
+// A graphic window of width x height pixels at a depth of 1, 4, 8, 16, 24 or 32 bits.
+void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int height,
+                  Int borderWidth, Int borderHeight, const t_Font& font, bool titleVisible);
+// A graphic window of columns x lines characters of the named font resource.
+void t_InitWindow(UInt8 window, Int bitDepth, Int columns, Int lines, Int border,
+                  const std::string& fontFileName);
+
+// ---------------------------------------------------------------------------------------------
+// Window frame operations (numbers 0..12)
+
+void t_WindowPos(UInt8 window, Int x, Int y);                          // moves the window
+void t_WindowSize(UInt8 window, Int x, Int y, Int width, Int height);  // drawing size; x, y -1 keep
+void t_WindowTitle(UInt8 window, const std::string& title);            // sets the title
+void t_WindowTitleVisible(UInt8 window, bool visible);  // shows or hides the title bar
+void t_WindowFront(UInt8 window);                       // shows it in front
+void t_WindowCenter(UInt8 window);                      // centres it on the screen
+void t_WindowVisible(UInt8 window, bool visible);       // shows or hides it
+// The window's frame and the screen's size; a zero frame for a number without a window.
+struct t_WindowInformation {
+  WindowFrame Frame;
+  ScreenSize Screen;
+};
+t_WindowInformation t_WindowInfo(UInt8 window);
+
+// ---------------------------------------------------------------------------------------------
+// Random numbers and text utilities (positions count from 1; 0 is "not found")
+
+Int t_Random(Int n);                                    // 0..n; LastRandom for n = 0
+std::vector<UInt8> TextToBytes(std::string_view text);  // UTF-8 bytes
+Int BytesToInteger(const std::vector<UInt8>& bytes);    // leading blanks, '-', digits
+Int TextPosition(std::string_view text, std::string_view pattern, Int start);
+std::string TextMiddle(std::string_view text, Int start, Int length);
+std::string RealToText(double value);  // shortest form, decimal comma
+std::string ByteToHex(UInt8 value);    // two upper-case digits
+std::string HexText(Int value);        // eight upper-case digits, low 32 bits
+
+}  // namespace rvtools

@@ -1,0 +1,38 @@
+// Entry checks of the graphic-window operations and text-cell addressing.
+#include "runtime/checks.hpp"
+
+#include "runtime/log.hpp"
+
+namespace rvtools {
+
+t_Window* checkedWindow(std::string_view operation, UInt8 window, Needs needs) {
+  if (window >= 8) {
+    logLine(operation, ": Window is not a graphic window.");
+    return nullptr;
+  }
+  t_Window& record = Windows[window];
+  if (!MemoryInitialized || !record.Initialized ||
+      (needs == Needs::TextMemory && record.TextMemoryStart < 0)) {
+    logLine(operation, ": Window #", window, " not initialized.");
+    return nullptr;
+  }
+  return &record;
+}
+
+TextCells textCells(const t_Window& record) {
+  const Int start = record.TextMemoryStart;
+  const Int end = record.TextMemoryEnd;
+  return {start, (end - start + 1) / 2, record.TextWidth};
+}
+
+Int TextCells::characterAddress(Int column, Int line) const {
+  if (start < 0 || half <= 0 || start + 2 * half > static_cast<Int>(VideoMemory.size())) return -1;
+  if (column < 1 || line < 1 || width < 1 || column > half || line > half) return -1;
+  Int offset = 0;
+  if (__builtin_mul_overflow(width, line - 1, &offset)) return -1;
+  offset += column - 1;
+  if (offset >= half) return -1;
+  return start + offset;
+}
+
+}  // namespace rvtools

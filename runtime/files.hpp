@@ -1,0 +1,16 @@
+// Internal: reading whole files into memory, for font resources and other files the runtime
+// or the shell opens by path.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "rvtools/types.hpp"
+
+namespace rvtools {
+
+// The bytes of the regular file at `path`; empty when it is missing, unreadable, empty or no
+// regular file. Logs nothing.
+std::vector<UInt8> readWholeFile(const std::string& path);
+
+}  // namespace rvtools

@@ -1,0 +1,37 @@
+// The runtime's log: standard output, or a sink that a test installs.
+#include "runtime/log.hpp"
+
+#include <cstdio>
+#include <mutex>
+
+namespace rvtools {
+namespace {
+
+std::mutex& logMutex() {
+  static auto* mutex = new std::mutex;
+  return *mutex;
+}
+
+std::function<void(std::string_view)>& logSink() {
+  static auto* sink = new std::function<void(std::string_view)>;
+  return *sink;
+}
+
+}  // namespace
+
+void logWrite(std::string_view text) {
+  std::lock_guard lock(logMutex());
+  if (logSink()) {
+    logSink()(text);
+    return;
+  }
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+void setLogSink(std::function<void(std::string_view)> sink) {
+  std::lock_guard lock(logMutex());
+  logSink() = std::move(sink);
+}
+
+}  // namespace rvtools

@@ -1,0 +1,88 @@
+// Start-up: the character tables, the memory and records that t_InitMemory creates, program
+// threads and their numbers, and the window frame operations' refusals.
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "common.hpp"
+#include "runtime/threads.hpp"
+
+namespace rvtools::testing {
+namespace {
+
+using StartupTest = RuntimeTest;
+
+TEST_F(StartupTest, CharacterTablesKeepTheirQuirk) {
+  initrvtools();
+  // The lower-case pass lands in UpperCaseTable; LowerCaseTable stays zero.
+  EXPECT_EQ(UpperCaseTable['A'], 'a');
+  EXPECT_EQ(UpperCaseTable['a'], 'a');
+  EXPECT_EQ(UpperCaseTable[0xC4], 0xE4);
+  EXPECT_EQ(UpperCaseTable[0xD7], 0xD7);
+  EXPECT_EQ(LowerCaseTable, std::vector<UInt8>(256, 0));
+  EXPECT_EQ(std::string(HexDigits.begin(), HexDigits.end()), "0123456789ABCDEF");
+  EXPECT_EQ(DigitValues['7'], 7);
+  EXPECT_EQ(DigitValues['f'], 15);
+  EXPECT_EQ(DigitValues['F'], 15);
+  EXPECT_EQ(DigitValues['g'], -1);
+  EXPECT_EQ(logLines(), (std::vector<std::string>{"initrvtools: Start.", "initrvtools: End."}));
+}
+
+TEST_F(StartupTest, MemoryIsCreatedOnceWithDefaultRecords) {
+  EXPECT_EQ(VideoMemory.size(), 0x100000Fu);
+  EXPECT_EQ(VideoMemory[0], 255);
+  EXPECT_EQ(VideoMemory[0x100000E], 255);
+  EXPECT_EQ(HighMemory, 0xFFFFFF);
+  for (const t_Window& record : Windows) {
+    EXPECT_EQ(record.MemoryStart, -1);
+    EXPECT_EQ(record.TextMemoryEnd, -1);
+    EXPECT_EQ(record.RefreshRate, 30);
+    EXPECT_TRUE(record.VerticalBlank);
+  }
+  ASSERT_EQ(MenuActions.size(), 37u);
+  EXPECT_EQ(MenuActions.front().Tag, 200);
+  EXPECT_EQ(MenuActions[31].Tag, 231);
+  EXPECT_EQ(MenuActions.back().Action, 114);
+  t_InitMemory();
+  EXPECT_TRUE(logLines().empty());
+}
+
+TEST_F(StartupTest, ProgramsRunOnNumberedThreadsOneStartAtATime) {
+  std::atomic<int> finished{0};
+  std::atomic<Int> firstNumber{0};
+  std::atomic<bool> release{false};
+  startprocess(
+      [&] {
+        firstNumber = CurrentThreadNumber();
+        while (!release) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ++finished;
+      },
+      1 << 20);
+  startprocess([&] { ++finished; }, 1 << 20);  // waits until the first has taken its entry
+  EXPECT_FALSE(ProgramStartPending && firstNumber == 0 && finished == 0);
+  release = true;
+  for (int i = 0; i < 500 && (finished < 2 || runningProgramThreads() > 0); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  EXPECT_EQ(finished, 2);
+  EXPECT_GT(firstNumber, 1);
+  EXPECT_GT(CurrentThreadNumber(), 0);
+}
+
+TEST_F(StartupTest, FrameOperationsRefuseNumbersWithoutAWindow) {
+  t_WindowFront(13);
+  t_WindowCenter(255);
+  t_WindowVisible(13, true);
+  EXPECT_EQ(t_WindowInfo(200).Frame.Width, 0);
+  t_WindowFront(9);
+  EXPECT_TRUE(testHost().windowState(9).Frame.Visible);
+  t_WindowFront(2);
+  EXPECT_TRUE(Windows[2].Visible);
+  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_WindowFront: Window does not exist.",
+                                                  "t_WindowCenter: Window does not exist.",
+                                                  "t_WindowVisible: Window does not exist.",
+                                                  "t_WindowInfo: Window does not exist."}));
+}
+
+}  // namespace
+}  // namespace rvtools::testing
