@@ -2,8 +2,16 @@
 // pixel, for a view to show. Text needs no step of its own, because every character has
 // already been drawn into the graphic memory. The picture is read while the program thread may
 // still be drawing: a torn frame is accepted, and these functions are the one place that reads
-// the video memory across threads.
+// the video memory across threads. Depends on the window records, the video memory and the
+// palette (runtime), the host's clock and the log.
+#include <bit>
 #include <cstring>
+#include <optional>
+#include <vector>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 #include "runtime/log.hpp"
 #include "rvtools/display.hpp"
@@ -13,171 +21,324 @@
 namespace rvtools {
 namespace {
 
-// A pixel as the word the chosen byte order stores: bytes A, R, G, B in memory, or the native
-// 32-bit value 0xAARRGGBB.
+constexpr bool LittleEndian = std::endian::native == std::endian::little;
+constexpr Int LargestSide = 8192;
+
+// A pixel as the 32-bit word that the byte order stores: bytes A, R, G, B in memory, or the
+// native value 0xAARRGGBB.
 template <PixelOrder order>
 inline std::uint32_t pixelWord(UInt8 red, UInt8 green, UInt8 blue) {
-  if constexpr (order == PixelOrder::NativeArgb32) {
-    return 0xFF000000u | (std::uint32_t{red} << 16) | (std::uint32_t{green} << 8) | blue;
+  const std::uint32_t native =
+      0xFF000000u | (std::uint32_t{red} << 16) | (std::uint32_t{green} << 8) | blue;
+  if constexpr (order == PixelOrder::AlphaRedGreenBlue && LittleEndian) {
+    return __builtin_bswap32(native);
   } else {
-    const UInt8 bytes[4] = {255, red, green, blue};
-    std::uint32_t word;
-    std::memcpy(&word, bytes, 4);
-    return word;
+    return native;
   }
 }
 
 template <PixelOrder order>
-std::uint32_t paletteWord(Int n) {
-  return pixelWord<order>(PaletteRed[n], PaletteGreen[n], PaletteBlue[n]);
+inline std::uint32_t greyWord(UInt8 grey) {
+  return pixelWord<order>(grey, grey, grey);
 }
 
 inline void storePixel(UInt8* out, Int p, std::uint32_t word) {
   std::memcpy(out + 4 * p, &word, 4);
 }
 
+// What a composition reads: the window's graphic memory and its size.
 struct Picture {
   const UInt8* memory;
   Int width;
   Int height;
+  Int depth;
 };
 
 template <PixelOrder order>
-void composeOneBit(const Picture& picture, UInt8* out) {
-  const std::uint32_t white = paletteWord<order>(15), black = paletteWord<order>(0);
-  const Int pixels = picture.width * picture.height;
-  for (Int p = 0; p < pixels; ++p) {
-    const bool set = (picture.memory[p / 8] >> (7 - p % 8)) & 1;
-    storePixel(out, p, set ? white : black);
+std::uint32_t paletteWord(int n) {
+  return pixelWord<order>(PaletteRed[n], PaletteGreen[n], PaletteBlue[n]);
+}
+
+// Depths 1 and 4 pack 8 or 2 pixels into a byte, the leftmost in the high bits. A pixel's bits
+// are chosen by its column x. When the width is a multiple of the pixels a byte, every row
+// starts on a byte boundary, and the picture converts a whole byte at a time through a table.
+template <PixelOrder order, int bits>
+void composePacked(const Picture& picture, UInt8* out) {
+  constexpr int perByte = 8 / bits, mask = (1 << bits) - 1;
+  // A set bit is palette colour 15 and a clear bit colour 0; a nibble is its own colour.
+  std::uint32_t colours[16];
+  for (int value = 0; value <= mask; ++value) {
+    colours[value] = paletteWord<order>(bits == 1 ? 15 * value : value);
   }
+  if (picture.width % perByte == 0) {
+    std::uint32_t table[256][perByte];
+    for (int byte = 0; byte < 256; ++byte) {
+      for (int i = 0; i < perByte; ++i)
+        table[byte][i] = colours[(byte >> (8 - bits * (i + 1))) & mask];
+    }
+    const Int bytes = picture.width * picture.height / perByte;
+    for (Int i = 0; i < bytes; ++i) {
+      std::memcpy(out + 4 * perByte * i, table[picture.memory[i]], sizeof table[0]);
+    }
+    return;
+  }
+  for (Int y = 0; y < picture.height; ++y) {
+    for (Int x = 0; x < picture.width; ++x) {
+      const Int p = y * picture.width + x;
+      const int shift = 8 - bits * (static_cast<int>(x % perByte) + 1);
+      storePixel(out, p, colours[(picture.memory[p / perByte] >> shift) & mask]);
+    }
+  }
+}
+
+#if defined(__x86_64__)
+// With AVX2 the byte-per-channel depths convert eight pixels a step: each 16-byte lane holds
+// four source pixels, one byte shuffle places their red, green and blue bytes in four output
+// words, and a mask sets alpha. The processor is asked once whether it has AVX2.
+bool hasAvx2() {
+  static const bool supported = __builtin_cpu_supports("avx2");
+  return supported;
+}
+
+// The shuffle for four pixels a lane, `size` bytes apart, with red, green and blue at the given
+// byte offsets; -1 selects a zero byte, which the alpha mask fills.
+template <PixelOrder order>
+__attribute__((target("avx2"))) __m256i laneShuffle(int size, int red, int green, int blue) {
+  alignas(32) std::int8_t control[32];
+  for (int i = 0; i < 8; ++i) {
+    const int base = size * (i % 4);
+    const int sources[4] = {-1, base + red, base + green, base + blue};
+    for (int b = 0; b < 4; ++b) {
+      // Bytes A, R, G, B in memory, or the word 0xAARRGGBB stored little-endian as B, G, R, A.
+      const int source = order == PixelOrder::AlphaRedGreenBlue ? sources[b] : sources[3 - b];
+      control[4 * i + b] = static_cast<std::int8_t>(source);
+    }
+  }
+  return _mm256_load_si256(reinterpret_cast<const __m256i*>(control));
 }
 
 template <PixelOrder order>
-void composeFourBit(const Picture& picture, UInt8* out) {
-  std::uint32_t palette[16];
-  for (Int n = 0; n < 16; ++n) palette[n] = paletteWord<order>(n);
-  const Int pixels = picture.width * picture.height;
-  for (Int p = 0; p < pixels; ++p) {
-    const UInt8 pair = picture.memory[p / 2];
-    storePixel(out, p, palette[p % 2 == 0 ? pair >> 4 : pair & 15]);
-  }
+__attribute__((target("avx2"))) __m256i alphaMask() {
+  return _mm256_set1_epi32(order == PixelOrder::AlphaRedGreenBlue ? 0xFF : -0x1000000);
 }
 
-// Grey levels: one byte a pixel at depth 8, the second of two bytes at depth 16.
-template <PixelOrder order, Int stride, Int offset>
-void composeGrey(const Picture& picture, UInt8* out) {
-  const Int pixels = picture.width * picture.height;
-  const UInt8* in = picture.memory + offset;
-  for (Int p = 0; p < pixels; ++p) {
-    const UInt8 grey = in[p * stride];
-    storePixel(out, p, pixelWord<order>(grey, grey, grey));
-  }
+__attribute__((target("avx2"))) inline void storeEight(UInt8* out, Int p, __m256i lanes,
+                                                       __m256i shuffle, __m256i alpha) {
+  const __m256i words = _mm256_or_si256(_mm256_shuffle_epi8(lanes, shuffle), alpha);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 4 * p), words);
 }
 
-// Red, green, blue: at depth 24 three bytes a pixel, at depth 32 the last three of four.
+// Each function converts the leading pixels of the picture and returns how many it did.
+template <PixelOrder order>
+__attribute__((target("avx2"))) Int greyEightBitsAvx2(const Picture& picture, UInt8* out) {
+  const Int pixels = picture.width * picture.height;
+  const __m256i shuffle = laneShuffle<order>(4, 0, 0, 0), alpha = alphaMask<order>();
+  Int p = 0;
+  for (; p + 8 <= pixels; p += 8) {
+    const __m128i in = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(picture.memory + p));
+    storeEight(out, p, _mm256_cvtepu8_epi32(in), shuffle, alpha);
+  }
+  return p;
+}
+
+template <PixelOrder order>
+__attribute__((target("avx2"))) Int greySixteenBitsAvx2(const Picture& picture, UInt8* out) {
+  const Int pixels = picture.width * picture.height;
+  const __m256i shuffle = laneShuffle<order>(4, 1, 1, 1), alpha = alphaMask<order>();
+  Int p = 0;
+  for (; p + 8 <= pixels; p += 8) {
+    const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(picture.memory + 2 * p));
+    storeEight(out, p, _mm256_cvtepu16_epi32(in), shuffle, alpha);
+  }
+  return p;
+}
+
+template <PixelOrder order>
+__attribute__((target("avx2"))) Int trueColourAvx2(const Picture& picture, UInt8* out) {
+  const Int bytes = 3 * picture.width * picture.height;
+  const __m256i spread = _mm256_setr_epi32(0, 1, 2, 0, 3, 4, 5, 0);
+  const __m256i shuffle = laneShuffle<order>(3, 0, 1, 2), alpha = alphaMask<order>();
+  Int p = 0;
+  // A step loads 32 bytes and uses 24: it runs while the 8 extra bytes are still picture.
+  for (; 3 * p + 32 <= bytes; p += 8) {
+    const __m256i in = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(picture.memory + 3 * p));
+    storeEight(out, p, _mm256_permutevar8x32_epi32(in, spread), shuffle, alpha);
+  }
+  return p;
+}
+
+template <PixelOrder order>
+__attribute__((target("avx2"))) Int fourByteAvx2(const Picture& picture, UInt8* out) {
+  const Int pixels = picture.width * picture.height;
+  const __m256i shuffle = laneShuffle<order>(4, 1, 2, 3), alpha = alphaMask<order>();
+  Int p = 0;
+  for (; p + 8 <= pixels; p += 8) {
+    const __m256i in = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(picture.memory + 4 * p));
+    storeEight(out, p, in, shuffle, alpha);
+  }
+  return p;
+}
+#endif
+
+// The number of leading pixels that a vector path converted (0 without one).
+template <PixelOrder order>
+Int composeVectorised([[maybe_unused]] const Picture& picture, [[maybe_unused]] UInt8* out) {
+#if defined(__x86_64__)
+  if (!hasAvx2()) return 0;
+  switch (picture.depth) {
+    case 8:
+      return greyEightBitsAvx2<order>(picture, out);
+    case 16:
+      return greySixteenBitsAvx2<order>(picture, out);
+    case 24:
+      return trueColourAvx2<order>(picture, out);
+    case 32:
+      return fourByteAvx2<order>(picture, out);
+    default:
+      return 0;
+  }
+#else
+  return 0;
+#endif
+}
+
+// Grey levels from pixel `first` on: one byte a pixel at depth 8, the second of two bytes at
+// depth 16.
 template <PixelOrder order, Int stride, Int offset>
-void composeColor(const Picture& picture, UInt8* out) {
+void composeGrey(Int first, const Picture& picture, UInt8* out) {
   const Int pixels = picture.width * picture.height;
   const UInt8* in = picture.memory + offset;
-  for (Int p = 0; p < pixels; ++p) {
-    const UInt8* pixel = in + p * stride;
+  for (Int p = first; p < pixels; ++p) storePixel(out, p, greyWord<order>(in[p * stride]));
+}
+
+// Red, green, blue from pixel `first` on: three bytes a pixel at depth 24, the last three of
+// four at depth 32 (whose first byte, alpha in memory, is ignored).
+template <PixelOrder order, Int stride, Int offset>
+void composeColour(Int first, const Picture& picture, UInt8* out) {
+  const Int pixels = picture.width * picture.height;
+  for (Int p = first; p < pixels; ++p) {
+    const UInt8* pixel = picture.memory + stride * p + offset;
     storePixel(out, p, pixelWord<order>(pixel[0], pixel[1], pixel[2]));
   }
 }
 
 template <PixelOrder order>
-bool compose(Int depth, const Picture& picture, UInt8* out) {
-  switch (depth) {
+void compose(const Picture& picture, UInt8* out) {
+  switch (picture.depth) {
     case 1:
-      composeOneBit<order>(picture, out);
-      return true;
+      composePacked<order, 1>(picture, out);
+      break;
     case 4:
-      composeFourBit<order>(picture, out);
-      return true;
+      composePacked<order, 4>(picture, out);
+      break;
     case 8:
-      composeGrey<order, 1, 0>(picture, out);
-      return true;
+      composeGrey<order, 1, 0>(composeVectorised<order>(picture, out), picture, out);
+      break;
     case 16:
-      composeGrey<order, 2, 1>(picture, out);
-      return true;
+      composeGrey<order, 2, 1>(composeVectorised<order>(picture, out), picture, out);
+      break;
     case 24:
-      composeColor<order, 3, 0>(picture, out);
-      return true;
-    case 32:
-      composeColor<order, 4, 1>(picture, out);
-      return true;
+      composeColour<order, 3, 0>(composeVectorised<order>(picture, out), picture, out);
+      break;
     default:
-      return false;
+      composeColour<order, 4, 1>(composeVectorised<order>(picture, out), picture, out);
+      break;
   }
 }
 
-Int pictureBytes(Int width, Int height, Int depth) {
-  if (depth == 1) return width * height / 8;
-  if (depth == 4) return width * height / 2;
-  return height * depth * width / 8;
+bool supportedDepth(Int depth) {
+  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
 }
 
-// Whether the window's picture lies inside its block of the video memory.
+// The bytes that composing reads: every byte that a pixel's address formula reaches.
+Int bytesRead(Int width, Int height, Int depth) {
+  const Int pixels = width * height;
+  if (depth == 1) return (pixels + 7) / 8;
+  if (depth == 4) return (pixels + 1) / 2;
+  return pixels * (depth / 8);
+}
+
+// Whether every byte read lies inside the window's block of the video memory.
 bool pictureFits(const t_Window& record, Int width, Int height, Int depth) {
   const Int start = record.MemoryStart;
-  const Int last = start + pictureBytes(width, height, depth) - 1;
+  const Int last = start + bytesRead(width, height, depth) - 1;
   return start >= 0 && last <= record.MemoryEnd && last < static_cast<Int>(VideoMemory.size());
+}
+
+void logNotCollected() {
+  logLine("t_WindowImage: Data could not be collected, image could not be created.");
+}
+
+// The picture of a window that may be shown, or nothing after the due message.
+std::optional<Picture> pictureToShow(UInt8 window) {
+  if (!MemoryInitialized) return std::nullopt;
+  if (window >= 8 || !Windows[window].Initialized) {
+    logLine("t_WindowImage: Graphic window #", window, " not initialized.");
+    return std::nullopt;
+  }
+  const t_Window& record = Windows[window];
+  if (!record.Visible) return std::nullopt;
+  const Int width = record.Width, height = record.Height, depth = record.BitDepth;
+  if (width < 1 || height < 1 || width > LargestSide || height > LargestSide) {
+    logNotCollected();
+    return std::nullopt;
+  }
+  if (!supportedDepth(depth)) {
+    // One line for every pixel that could not be converted.
+    for (Int p = 0; p < width * height; ++p) logLine("t_WindowImage: Illegal bit depth.");
+    return std::nullopt;
+  }
+  if (!pictureFits(record, width, height, depth)) {
+    logNotCollected();
+    return std::nullopt;
+  }
+  return Picture{VideoMemory.data() + record.MemoryStart, width, height, depth};
 }
 
 Int microseconds(double seconds) {
   return static_cast<Int>(seconds * 1000000.0);
 }
 
+void composeInOrder(const Picture& picture, UInt8* out, PixelOrder order) {
+  if (order == PixelOrder::NativeArgb32) {
+    compose<PixelOrder::NativeArgb32>(picture, out);
+  } else {
+    compose<PixelOrder::AlphaRedGreenBlue>(picture, out);
+  }
+}
+
+void recordStatistics(UInt8 window, double started) {
+  t_Window& record = Windows[window];
+  record.UpdateDuration = microseconds(host().absoluteTime()) - microseconds(started);
+  record.UpdateFinished = static_cast<Int>(host().absoluteTime() * 1000.0);
+}
+
+std::size_t imageBytes(const Picture& picture) {
+  return static_cast<std::size_t>(picture.width * picture.height * 4);
+}
+
 }  // namespace
 
 bool t_WindowImageInto(UInt8 window, UInt8* pixels, std::size_t byteCount, PixelOrder order) {
-  if (!MemoryInitialized) return false;
-  if (window >= 8 || !Windows[window].Initialized) {
-    logLine("t_WindowImage: Graphic window #", window, " not initialized.");
-    return false;
-  }
-  t_Window& record = Windows[window];
-  if (!record.Visible) return false;
+  const std::optional<Picture> picture = pictureToShow(window);
+  if (!picture) return false;
   const double started = host().absoluteTime();
-  const Int width = record.Width, height = record.Height, depth = record.BitDepth;
-  if (width < 1 || height < 1 || width > 8192 || height > 8192) {
-    logLine("t_WindowImage: Data could not be collected, image could not be created.");
+  if (pixels == nullptr || byteCount < imageBytes(*picture)) {
+    logNotCollected();
     return false;
   }
-  if (depth != 1 && depth != 4 && depth != 8 && depth != 16 && depth != 24 && depth != 32) {
-    for (Int p = 0; p < width * height; ++p) logLine("t_WindowImage: Illegal bit depth.");
-    return false;
-  }
-  if (!pictureFits(record, width, height, depth) ||
-      byteCount < static_cast<std::size_t>(width * height * 4)) {
-    logLine("t_WindowImage: Data could not be collected, image could not be created.");
-    return false;
-  }
-  const Picture picture{VideoMemory.data() + record.MemoryStart, width, height};
-  if (order == PixelOrder::NativeArgb32) {
-    compose<PixelOrder::NativeArgb32>(depth, picture, pixels);
-  } else {
-    compose<PixelOrder::AlphaRedGreenBlue>(depth, picture, pixels);
-  }
-  record.UpdateDuration = microseconds(host().absoluteTime()) - microseconds(started);
-  record.UpdateFinished = static_cast<Int>(host().absoluteTime() * 1000.0);
+  composeInOrder(*picture, pixels, order);
+  recordStatistics(window, started);
   return true;
 }
 
 std::optional<t_Image> t_WindowImage(UInt8 window) {
-  if (!MemoryInitialized || window >= 8) {
-    if (MemoryInitialized) logLine("t_WindowImage: Graphic window #", window, " not initialized.");
-    return std::nullopt;
-  }
-  const Int width = Windows[window].Width, height = Windows[window].Height;
-  t_Image image{width, height, {}};
-  if (width > 0 && height > 0 && width <= 8192 && height <= 8192) {
-    image.Pixels.resize(static_cast<std::size_t>(width * height * 4));
-  }
-  if (!t_WindowImageInto(window, image.Pixels.data(), image.Pixels.size(),
-                         PixelOrder::AlphaRedGreenBlue)) {
-    return std::nullopt;
-  }
+  const std::optional<Picture> picture = pictureToShow(window);
+  if (!picture) return std::nullopt;
+  const double started = host().absoluteTime();
+  t_Image image{picture->width, picture->height, std::vector<UInt8>(imageBytes(*picture))};
+  composeInOrder(*picture, image.Pixels.data(), PixelOrder::AlphaRedGreenBlue);
+  recordStatistics(window, started);
   return image;
 }
 

@@ -22,6 +22,8 @@ t_Window* checkedWindow(std::string_view operation, UInt8 window, Needs needs) {
 TextCells textCells(const t_Window& record) {
   const Int start = record.TextMemoryStart;
   const Int end = record.TextMemoryEnd;
+  // A block that cannot lie inside the video memory has no cells.
+  if (start < 0 || end < start || end >= VideoMemorySize) return {start, 0, record.TextWidth};
   return {start, (end - start + 1) / 2, record.TextWidth};
 }
 

@@ -1,6 +1,8 @@
 // The runtime's log: standard output, or a sink that a test installs.
 #include "runtime/log.hpp"
 
+#include "rvtools/runtime.hpp"
+
 #include <cstdio>
 #include <mutex>
 
@@ -27,6 +29,12 @@ void logWrite(std::string_view text) {
   }
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fflush(stdout);
+}
+
+void t_Log(const std::string& line) {
+  std::string withEnd = line;
+  withEnd += '\n';
+  logWrite(withEnd);
 }
 
 void setLogSink(std::function<void(std::string_view)> sink) {

@@ -21,7 +21,10 @@ HeadlessHost& testHost() {
 void RuntimeTest::SetUp() {
   setHost(testHost());
   for (UInt8 n = 0; n < 8; ++n) testHost().setViewPresent(n, true);
+  // The refresh thread stops and starts again as tests renew the memory; its own lines come
+  // at moments no test controls, so they stay out of the captured log.
   setLogSink([](std::string_view text) {
+    if (text.starts_with("t_WindowAutoUpdateProcess: ")) return;
     std::lock_guard lock(logMutex);
     capturedLog += text;
   });

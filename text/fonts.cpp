@@ -7,11 +7,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "rvtools/host.hpp"
-#include "rvtools/text.hpp"
 #include "runtime/checks.hpp"
 #include "runtime/files.hpp"
 #include "runtime/log.hpp"
+#include "rvtools/host.hpp"
+#include "rvtools/text.hpp"
 
 namespace rvtools {
 namespace {
@@ -186,7 +186,9 @@ t_Font t_LoadFontResource(const std::string& fileName) {
   return parseFontResource(readWholeFile(path), fileName);
 }
 
-t_Font EmptyFont() { return t_Font{}; }
+t_Font EmptyFont() {
+  return t_Font{};
+}
 
 void t_WindowFont(UInt8 window, const t_Font& font) {
   if (t_Window* record = checkedWindow("t_WindowFont", window)) record->Font = font;

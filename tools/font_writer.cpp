@@ -7,7 +7,6 @@
 #include <bit>
 #include <cstdint>
 #include <fstream>
-#include <unordered_map>
 
 namespace rvtools::fontwriter {
 namespace {
@@ -16,25 +15,54 @@ constexpr int MinimumCodeWidth = 9;
 constexpr UInt8 HeaderSize = 16;
 constexpr UInt8 CompressedGreyFormat = 102;
 
+// The strings that the encoder knows beyond the single bytes, each as the code of a known
+// string plus one byte, in an open-addressing hash table that never needs to grow.
+class StringTable {
+ public:
+  explicit StringTable(std::size_t entries)
+      : slots_(std::bit_ceil(2 * entries + 2)), mask_(slots_.size() - 1) {}
+
+  // The slot of the string `prefix` + `byte`: either its own or the empty one it would take.
+  std::size_t slotOf(std::uint32_t prefix, UInt8 byte) const {
+    const std::uint64_t key = keyOf(prefix, byte);
+    std::size_t slot = ((key * 0x9E3779B97F4A7C15u) >> 32) & mask_;
+    while (slots_[slot].key != 0 && slots_[slot].key != key) slot = (slot + 1) & mask_;
+    return slot;
+  }
+  bool holds(std::size_t slot) const { return slots_[slot].key != 0; }
+  std::uint32_t code(std::size_t slot) const { return slots_[slot].code; }
+  void store(std::size_t slot, std::uint32_t prefix, UInt8 byte, std::uint32_t code) {
+    slots_[slot] = {keyOf(prefix, byte), code};
+  }
+
+ private:
+  struct Slot {
+    std::uint64_t key = 0;  // 0 marks an empty slot
+    std::uint32_t code = 0;
+  };
+  static std::uint64_t keyOf(std::uint32_t prefix, UInt8 byte) {
+    return ((std::uint64_t{prefix} << 8) | byte) + 1;
+  }
+  std::vector<Slot> slots_;
+  std::size_t mask_;
+};
+
 // The LZW codes of `bytes`: the longest known string at each step, each code adding that
 // string plus the next byte to the dictionary.
 std::vector<std::uint32_t> lzwCodes(const std::vector<UInt8>& bytes) {
   std::vector<std::uint32_t> codes;
   if (bytes.empty()) return codes;
-  // Key: the code of a string shifted left by 8, plus the byte that extends it.
-  std::unordered_map<std::uint64_t, std::uint32_t> extensions;
-  extensions.reserve(bytes.size());
+  StringTable known(bytes.size());
   std::uint32_t nextCode = 256;
   std::uint32_t current = bytes[0];
   for (std::size_t i = 1; i < bytes.size(); ++i) {
-    const std::uint64_t key = (std::uint64_t{current} << 8) | bytes[i];
-    const auto found = extensions.find(key);
-    if (found != extensions.end()) {
-      current = found->second;
+    const std::size_t slot = known.slotOf(current, bytes[i]);
+    if (known.holds(slot)) {
+      current = known.code(slot);
       continue;
     }
     codes.push_back(current);
-    extensions.emplace(key, nextCode++);
+    known.store(slot, current, bytes[i], nextCode++);
     current = bytes[i];
   }
   codes.push_back(current);
@@ -90,7 +118,8 @@ std::vector<UInt8> fontFileBytes(const GlyphSet& glyphs) {
 
 bool writeFile(const std::string& path, const std::vector<UInt8>& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  out.write(reinterpret_cast<const char*>(bytes.data()),
+            static_cast<std::streamsize>(bytes.size()));
   out.close();
   return static_cast<bool>(out);
 }

@@ -39,6 +39,7 @@ constexpr int CellWidth = 16;
 constexpr int CellHeight = 32;
 constexpr int CellBytes = CellWidth * CellHeight;
 constexpr int CodeCount = 256;
+constexpr int MaximumRenderAttempts = 6;
 
 using Cell = std::array<UInt8, CellBytes>;
 
@@ -68,7 +69,9 @@ Cell drawShape(const Shape& inside) {
 
 struct Area {
   double left, top, right, bottom;
-  bool contains(double x, double y) const { return x >= left && x < right && y >= top && y < bottom; }
+  bool contains(double x, double y) const {
+    return x >= left && x < right && y >= top && y < bottom;
+  }
 };
 
 Shape filled(Area area) {
@@ -78,7 +81,7 @@ Shape filled(Area area) {
 // Quarter weights: upper left 8, upper right 4, lower left 2, lower right 1.
 Shape quarters(int mask) {
   return [=](double x, double y) {
-    const int weight = (x < CellWidth / 2 ? 8 : 4) >> (y < CellHeight / 2 ? 0 : 1);
+    const int weight = (x < CellWidth / 2 ? 8 : 4) >> (y < CellHeight / 2 ? 0 : 2);
     return (mask & weight) != 0;
   };
 }
@@ -146,7 +149,9 @@ struct Point {
   double x, y;
 };
 
-double cross(Point a, Point b, Point p) { return (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x); }
+double cross(Point a, Point b, Point p) {
+  return (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
+}
 
 Shape triangle(Point a, Point b, Point c) {
   return [=](double x, double y) {
@@ -165,9 +170,7 @@ Shape without(Shape shape, Shape hole) {
 }
 
 Shape disc(double radius) {
-  return [=](double x, double y) {
-    return std::hypot(x - CentreX, y - CentreY) <= radius;
-  };
+  return [=](double x, double y) { return std::hypot(x - CentreX, y - CentreY) <= radius; };
 }
 
 // The band of the given width along the line from a to b, across the whole cell.
@@ -201,57 +204,62 @@ struct DrawnSymbol {
 };
 
 // Every code that is drawn rather than taken from the face, with the character it shows.
-std::vector<DrawnSymbol> drawnSymbols(const Strokes& s) {
+std::vector<DrawnSymbol> drawnSymbols(const Strokes& strokes) {
   std::vector<DrawnSymbol> symbols;
   // 0..14: the quarter blocks, code = 15 - mask (0 full block, 3 upper half, 14 lower right).
   for (int code = 0; code <= 14; ++code) symbols.push_back({code, quarters(15 - code)});
-  const double w = s.single;
+  const double line = strokes.single;
+  const Shape square = filled({2, 10, 14, 22});
+  const Shape squareInside = filled({2 + line, 10 + line, 14 - line, 22 - line});
+  const Shape rising = diagonal({0, CellHeight}, {CellWidth, 0}, line);
+  const Shape falling = diagonal({0, 0}, {CellWidth, CellHeight}, line);
+  const auto single = [&](int arms) { return singleLines(arms, strokes); };
+  const auto twin = [&](int arms) { return doubleLines(arms, strokes); };
   const std::vector<DrawnSymbol> others = {
-      {15, shade(Shade::Light)},                      // ░ U+2591
-      {16, shade(Shade::Medium)},                     // ▒ U+2592
-      {17, shade(Shade::Dark)},                       // ▓ U+2593
-      {18, singleLines(Up | Down, s)},                // │ U+2502
-      {19, singleLines(Down | Right, s)},             // ┌ U+250C
-      {20, singleLines(Down | Left, s)},              // ┐ U+2510
-      {21, singleLines(Up | Right, s)},               // └ U+2514
-      {22, singleLines(Up | Left, s)},                // ┘ U+2518
-      {23, singleLines(Up | Down | Right, s)},        // ├ U+251C
-      {24, singleLines(Up | Down | Left, s)},         // ┤ U+2524
-      {25, singleLines(Down | Left | Right, s)},      // ┬ U+252C
-      {26, singleLines(Up | Left | Right, s)},        // ┴ U+2534
-      {27, singleLines(Up | Down | Left | Right, s)},  // ┼ U+253C
-      {28, arrow({1, CentreY}, -1, 0, 14, w)},        // ← U+2190
-      {29, arrow({15, CentreY}, 1, 0, 14, w)},        // → U+2192
-      {30, arrow({CentreX, 6}, 0, -1, 20, w)},        // ↑ U+2191
-      {31, arrow({CentreX, 26}, 0, 1, 20, w)},        // ↓ U+2193
-      {127, diamond()},                               // ◆ U+25C6
-      {133, doubleLines(Left | Right, s)},            // ═ U+2550
-      {134, doubleLines(Up | Down, s)},               // ║ U+2551
-      {135, doubleLines(Down | Right, s)},            // ╔ U+2554
-      {136, doubleLines(Down | Left, s)},             // ╗ U+2557
-      {137, doubleLines(Up | Right, s)},              // ╚ U+255A
-      {138, doubleLines(Up | Left, s)},               // ╝ U+255D
-      {139, doubleLines(Up | Down | Right, s)},       // ╠ U+2560
-      {140, doubleLines(Up | Down | Left, s)},        // ╣ U+2563
-      {141, doubleLines(Down | Left | Right, s)},     // ╦ U+2566
-      {142, doubleLines(Up | Left | Right, s)},       // ╩ U+2569
-      {143, doubleLines(Up | Down | Left | Right, s)},  // ╬ U+256C
-      {144, triangle({2, CentreY}, {14, 9}, {14, 23})},   // ◀ U+25C0
-      {145, triangle({14, CentreY}, {2, 9}, {2, 23})},    // ▶ U+25B6
-      {146, triangle({CentreX, 9}, {1.5, 22}, {14.5, 22})},  // ▲ U+25B2
+      {15, shade(Shade::Light)},                              // ░ U+2591
+      {16, shade(Shade::Medium)},                             // ▒ U+2592
+      {17, shade(Shade::Dark)},                               // ▓ U+2593
+      {18, single(Up | Down)},                                // │ U+2502
+      {19, single(Down | Right)},                             // ┌ U+250C
+      {20, single(Down | Left)},                              // ┐ U+2510
+      {21, single(Up | Right)},                               // └ U+2514
+      {22, single(Up | Left)},                                // ┘ U+2518
+      {23, single(Up | Down | Right)},                        // ├ U+251C
+      {24, single(Up | Down | Left)},                         // ┤ U+2524
+      {25, single(Down | Left | Right)},                      // ┬ U+252C
+      {26, single(Up | Left | Right)},                        // ┴ U+2534
+      {27, single(Up | Down | Left | Right)},                 // ┼ U+253C
+      {28, arrow({1, CentreY}, -1, 0, 14, line)},             // ← U+2190
+      {29, arrow({15, CentreY}, 1, 0, 14, line)},             // → U+2192
+      {30, arrow({CentreX, 6}, 0, -1, 20, line)},             // ↑ U+2191
+      {31, arrow({CentreX, 26}, 0, 1, 20, line)},             // ↓ U+2193
+      {127, diamond()},                                       // ◆ U+25C6
+      {133, twin(Left | Right)},                              // ═ U+2550
+      {134, twin(Up | Down)},                                 // ║ U+2551
+      {135, twin(Down | Right)},                              // ╔ U+2554
+      {136, twin(Down | Left)},                               // ╗ U+2557
+      {137, twin(Up | Right)},                                // ╚ U+255A
+      {138, twin(Up | Left)},                                 // ╝ U+255D
+      {139, twin(Up | Down | Right)},                         // ╠ U+2560
+      {140, twin(Up | Down | Left)},                          // ╣ U+2563
+      {141, twin(Down | Left | Right)},                       // ╦ U+2566
+      {142, twin(Up | Left | Right)},                         // ╩ U+2569
+      {143, twin(Up | Down | Left | Right)},                  // ╬ U+256C
+      {144, triangle({2, CentreY}, {14, 9}, {14, 23})},       // ◀ U+25C0
+      {145, triangle({14, CentreY}, {2, 9}, {2, 23})},        // ▶ U+25B6
+      {146, triangle({CentreX, 9}, {1.5, 22}, {14.5, 22})},   // ▲ U+25B2
       {147, triangle({CentreX, 23}, {1.5, 10}, {14.5, 10})},  // ▼ U+25BC
-      {148, disc(6.5)},                                    // ● U+25CF
-      {149, without(disc(6.5), disc(6.5 - w))},           // ○ U+25CB
-      {150, filled({2, 10, 14, 22})},                      // ■ U+25A0
-      {151, without(filled({2, 10, 14, 22}), filled({2 + w, 10 + w, 14 - w, 22 - w}))},  // □
-      {152, diagonal({0, CellHeight}, {CellWidth, 0}, w)},  // ╱ U+2571
-      {153, diagonal({0, 0}, {CellWidth, CellHeight}, w)},  // ╲ U+2572
-      {155, either(diagonal({0, CellHeight}, {CellWidth, 0}, w),
-                   diagonal({0, 0}, {CellWidth, CellHeight}, w))},  // ╳ U+2573
-      {156, singleLines(Left | Right, s)},  // ─ U+2500, the line through the cell
-      {157, filled({0, 0, CellWidth, CellHeight / 8.0})},                    // ▔ U+2594
-      {158, filled({0, CellHeight * 7 / 8.0, CellWidth, CellHeight})},       // ▁ U+2581
-      {159, filled({0, 0, CellWidth / 8.0, CellHeight})},                    // ▏ U+258F
+      {148, disc(6.5)},                                       // ● U+25CF
+      {149, without(disc(6.5), disc(6.5 - line))},            // ○ U+25CB
+      {150, square},                                          // ■ U+25A0
+      {151, without(square, squareInside)},                   // □ U+25A1
+      {152, rising},                                          // ╱ U+2571
+      {153, falling},                                         // ╲ U+2572
+      {155, either(rising, falling)},                         // ╳ U+2573
+      {156, single(Left | Right)},  // ─ U+2500, the line through the middle of the cell
+      {157, filled({0, 0, CellWidth, CellHeight / 8.0})},               // ▔ U+2594
+      {158, filled({0, CellHeight * 7 / 8.0, CellWidth, CellHeight})},  // ▁ U+2581
+      {159, filled({0, 0, CellWidth / 8.0, CellHeight})},               // ▏ U+258F
   };
   symbols.insert(symbols.end(), others.begin(), others.end());
   return symbols;
@@ -266,6 +274,19 @@ constexpr std::pair<int, char32_t> KeyboardCharacters[] = {
     {0xC5, U'≤'}, {0xC6, U'≥'}, {0xD0, U'∏'}, {0xDD, U'∑'}, {0xDE, U'∫'}, {0xF0, U'π'},
     {0xFD, U'√'}, {0xFE, U'∆'}, {0xFF, U'∞'},
 };
+
+// Stand-ins for characters that a face may lack.
+constexpr std::pair<char32_t, char32_t> LookAlikes[] = {
+    {U'⁄', U'/'}, {U'∆', U'Δ'}, {U'Ω', U'\u2126'}, {U'–', U'-'},
+    {U'“', U'"'}, {U'‚', U','}, {U'•', U'·'},      {U'…', U'.'},
+};
+
+std::optional<char32_t> lookAlike(char32_t character) {
+  for (const auto& [original, standIn] : LookAlikes) {
+    if (original == character) return standIn;
+  }
+  return std::nullopt;
+}
 
 // The character of the face that code `code` shows, if it shows one.
 std::optional<char32_t> faceCharacter(int code) {
@@ -302,16 +323,19 @@ class FaceRenderer {
   bool render(char32_t character, Cell& cell) {
     const FT_UInt index = FT_Get_Char_Index(face_, character);
     if (index == 0) return false;
+    FT_Int32 hinting = FT_LOAD_DEFAULT;
     FT_F26Dot6 size = size_;
-    for (int attempt = 0; attempt < 4; ++attempt) {
-      if (!renderAt(index, size)) return false;
-      const FT_Bitmap& bitmap = face_->glyph->bitmap;
-      if (static_cast<int>(bitmap.width) <= CellWidth && static_cast<int>(bitmap.rows) <= CellHeight)
-        break;
-      // A glyph wider or taller than the cell is drawn smaller rather than clipped.
-      const double scale = std::min(CellWidth / static_cast<double>(bitmap.width),
-                                    CellHeight / static_cast<double>(bitmap.rows));
-      size = static_cast<FT_F26Dot6>(size * scale * 0.97);
+    for (int attempt = 0; attempt < MaximumRenderAttempts; ++attempt) {
+      if (!renderAt(index, size, hinting)) return false;
+      const double overflow = overflowFactor();
+      if (overflow <= 1) break;
+      // Hinting can push an outline that lies within the ascender and descender a row beyond
+      // them; unhinted, it keeps to the baseline. Only what is still too large is drawn smaller.
+      if (hinting != FT_LOAD_NO_HINTING) {
+        hinting = FT_LOAD_NO_HINTING;
+      } else {
+        size = static_cast<FT_F26Dot6>(size / overflow * 0.98);
+      }
     }
     place(cell);
     return true;
@@ -327,20 +351,31 @@ class FaceRenderer {
       return false;
     const double unitsPerEm = face_->units_per_EM;
     const double extent = face_->ascender - face_->descender;
+    if (extent <= 0 || unitsPerEm <= 0) return false;
     const double pixelsPerEm =
         std::min(CellWidth * unitsPerEm / advance, CellHeight * unitsPerEm / extent);
     size_ = static_cast<FT_F26Dot6>(std::floor(pixelsPerEm * 64));
     const double ascender = face_->ascender * pixelsPerEm / unitsPerEm;
     const double spare = CellHeight - extent * pixelsPerEm / unitsPerEm;
-    baseline_ = static_cast<int>(std::lround(spare / 2 + ascender));
+    baseline_ = std::clamp(static_cast<int>(std::lround(spare / 2 + ascender)), 1, CellHeight - 1);
     return true;
   }
 
-  bool renderAt(FT_UInt index, FT_F26Dot6 size) {
+  bool renderAt(FT_UInt index, FT_F26Dot6 size, FT_Int32 hinting) {
     return FT_Set_Char_Size(face_, 0, size, 72, 72) == 0 &&
-           FT_Load_Glyph(face_, index, FT_LOAD_TARGET_LIGHT) == 0 &&
+           FT_Load_Glyph(face_, index, hinting) == 0 &&
            FT_Render_Glyph(face_->glyph, FT_RENDER_MODE_NORMAL) == 0 &&
            face_->glyph->bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && face_->glyph->bitmap.pitch >= 0;
+  }
+
+  // How many times the rendered glyph is too wide for the cell, or too tall for the rows above
+  // or below the baseline; at most 1 when it fits.
+  double overflowFactor() const {
+    const FT_GlyphSlot slot = face_->glyph;
+    const double above = slot->bitmap_top;
+    const double below = static_cast<double>(slot->bitmap.rows) - slot->bitmap_top;
+    return std::max({slot->bitmap.width / static_cast<double>(CellWidth), above / baseline_,
+                     below / (CellHeight - baseline_)});
   }
 
   // Copies the rendered glyph into the cell, its advance centred, moved inward where it would
@@ -385,7 +420,8 @@ int compile(const std::string& facePath, const std::string& outPath) {
     const std::optional<char32_t> character = faceCharacter(code);
     if (!character) continue;
     Cell cell{};
-    if (!face.render(*character, cell)) {
+    const std::optional<char32_t> standIn = lookAlike(*character);
+    if (!face.render(*character, cell) && !(standIn && face.render(*standIn, cell))) {
       std::fprintf(stderr, "rvfont: the face has no glyph for U+%04X; code %d stays blank\n",
                    static_cast<unsigned>(*character), code);
     }
@@ -424,11 +460,15 @@ constexpr const char* DigitPatterns[16] = {
 class Picture {
  public:
   Picture(int width, int height)
-      : width_(width), height_(height), pixels_(static_cast<std::size_t>(width) * height * 3, 255) {}
+      : width_(width),
+        height_(height),
+        pixels_(static_cast<std::size_t>(width) * height * 3, 255) {}
 
   int width() const { return width_; }
   int height() const { return height_; }
-  const UInt8* row(int y) const { return pixels_.data() + static_cast<std::size_t>(y) * width_ * 3; }
+  const UInt8* row(int y) const {
+    return pixels_.data() + static_cast<std::size_t>(y) * width_ * 3;
+  }
 
   void set(int x, int y, Rgb color) {
     if (x < 0 || y < 0 || x >= width_ || y >= height_) return;
@@ -529,7 +569,8 @@ bool writePng(const Picture& picture, const std::string& path) {
 }
 
 int chart(const std::string& fontPath, const std::string& outPath) {
-  const rvtools::t_Font font = rvtools::parseFontResource(rvtools::readWholeFile(fontPath), fontPath);
+  const rvtools::t_Font font =
+      rvtools::parseFontResource(rvtools::readWholeFile(fontPath), fontPath);
   if (font.Data.empty()) {
     std::fprintf(stderr, "rvfont: %s holds no glyphs\n", fontPath.c_str());
     return 1;

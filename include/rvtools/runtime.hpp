@@ -122,6 +122,7 @@ Int CurrentThreadNumber();                                      // 1 interface, 
 void t_Beep();                                                  // the system beep sound
 void t_PlayClick();                                             // the click sound, or a beep
 [[noreturn]] void t_QuitProgram(UInt8 window);                  // ends the program thread
+void t_Log(const std::string& line);  // writes one line to the runtime's log
 
 // ---------------------------------------------------------------------------------------------
 // Video memory and window initialisation

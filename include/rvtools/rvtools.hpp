@@ -7,10 +7,12 @@
 //                window frames, random numbers and text utilities, quitting
 //   text.hpp     fonts, glyphs, the cursor, printing with control codes and display modes
 //   display.hpp  window images, low-resolution graphics, colours, the refresh
+//   input.hpp    keys, the line input editor
 #pragma once
 
 #include "rvtools/display.hpp"
 #include "rvtools/host.hpp"
+#include "rvtools/input.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 #include "rvtools/types.hpp"

@@ -1,0 +1,73 @@
+// rvtools: input: keys, the line input editor, mouse and menu events.
+//
+// Views turn key presses and clicks into `t_Event` records on the global queues (runtime.hpp);
+// the program thread waits for keys with `t_GetKey` and edits lines with `t_InputForm`.
+// Handlers that the program installs run on worker threads after each click or menu choice.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "rvtools/types.hpp"
+
+namespace rvtools {
+
+// ---------------------------------------------------------------------------------------------
+// Keyboard
+
+// Modifier flags at bits 16 to 23, as a view reports them.
+inline constexpr Int CapsLockFlag = 1 << 16;
+inline constexpr Int ShiftFlag = 1 << 17;
+inline constexpr Int ControlFlag = 1 << 18;
+inline constexpr Int OptionFlag = 1 << 19;
+inline constexpr Int CommandFlag = 1 << 20;
+inline constexpr Int NumericPadFlag = 1 << 21;
+inline constexpr Int HelpFlag = 1 << 22;
+inline constexpr Int FunctionFlag = 1 << 23;
+
+// A key press in the view of graphic window `window`: the hardware key number, the characters
+// the key produced (UTF-8, empty for a dead key) and the modifier flags. Queues a key event,
+// acts on the key, or drops it; then marks a key as down.
+void viewKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int modifierFlags);
+void viewKeyUp();                          // a key went up
+void viewFlagsChanged(Int modifierFlags);  // the modifier keys changed
+
+std::string t_GetKey(UInt8 window);                          // waits for the next key
+Int t_GetYesNo(UInt8 window, Int defaultAnswer, bool echo);  // 1 yes, 0 no, -1 escape, -2 other
+
+// ---------------------------------------------------------------------------------------------
+// Line input editor
+
+// Prints a prompt and lets the user edit a line that starts as `defaultText`; returns it.
+std::string t_InputForm(UInt8 window, const std::string& prompt, const std::string& defaultText,
+                        bool displayOnly, Int inputMode, Int maximumLength);
+void t_InputEdit(UInt8 window, Int key);          // applies one key to the line
+void t_InputInsert(UInt8 window, Int character);  // inserts a character the mode accepts
+
+// ---------------------------------------------------------------------------------------------
+// Mouse
+
+// What a view knows of a click besides its position: the mouse buttons held (bit 0 left, bit 1
+// right, bit 2 any other) and the modifier flags at bits 16 to 23.
+struct t_MouseClick {
+  Int Buttons = 0;
+  Int ModifierFlags = 0;
+};
+
+// A button press in the view of graphic window `window` at (x, y) in window coordinates (origin
+// at the content's lower left, in pixels of the unscaled window). Queues a mouse event unless
+// the window ignores events; then sets LeftMouseDown and RightMouseDown.
+void viewMouseDown(UInt8 window, const t_MouseClick& click, double x, double y, bool right);
+void viewMouseUp();  // a button went up: clears LeftMouseDown and RightMouseDown
+// Builds the Kind 2 event of a click, queues it and starts the program's mouse handler.
+void t_MouseEventHandler(UInt8 window, const t_MouseClick& click, double x, double y);
+// The close box of graphic window `window` was clicked: hides the window, keeps its record.
+void t_MouseEventPostCloseBoxClick(UInt8 window);
+
+// Installs the program's mouse handler, started on a worker after every click.
+void t_SetMouseHandler(std::function<void()> handler);
+// Takes the oldest mouse event off MouseEventQueue, if there is one.
+std::optional<t_Event> t_TakeMouseEvent();
+
+}  // namespace rvtools

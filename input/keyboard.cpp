@@ -1,0 +1,335 @@
+// Keyboard events: the views' key handler, which turns a key press into a key event (Kind 1)
+// on the shared key queue, acts on the few keys that switch output redirection, and keeps the
+// global key and modifier state; and the program-side operations that wait for keys, t_GetKey
+// and t_GetYesNo. Depends on the runtime globals, the host's clock, text output (t_Print,
+// t_RedirectOutput) and the cursor display (t_CursorOn, t_CursorOff).
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "runtime/log.hpp"
+#include "runtime/threads.hpp"
+#include "runtime/utilities.hpp"
+#include "rvtools/host.hpp"
+#include "rvtools/input.hpp"
+#include "rvtools/runtime.hpp"
+#include "rvtools/text.hpp"
+
+namespace rvtools {
+namespace {
+
+// Function keys deliver private-use characters from U+F704 (F1) upward; the program sees them
+// as codes from 129 upward.
+constexpr Int FirstFunctionKeyCharacter = 0xF704;
+constexpr Int FunctionKeyCodeOffset = 0xF683;
+constexpr Int LastLatin1Code = 255;
+constexpr Int KeyWaitStepNanoseconds = 10000000;
+constexpr Int KeyEventKind = 1;
+
+// Key numbers with a row of their own in the key-code table.
+constexpr Int SectionKey = 10;
+constexpr Int EqualsKey = 24;
+constexpr Int UKey = 32;
+constexpr Int LKey = 37;
+constexpr Int NKey = 45;
+constexpr Int TabKey = 48;
+constexpr Int DeleteKey = 51;
+constexpr Int KeypadClearKey = 71;
+constexpr Int Keypad0Key = 82;
+constexpr Int Keypad6Key = 88;
+constexpr Int Keypad7Key = 89;
+constexpr Int Keypad8Key = 91;
+constexpr Int Keypad9Key = 92;
+constexpr Int KeyCodesWithTableRows = 127;  // key codes from here on skip the table
+
+// What the key tables make of one key press.
+struct KeyMeaning {
+  enum class Kind { Queue, NoEvent, GeneralRule } kind = Kind::GeneralRule;
+  Int value = 0;  // the event's Value when queued
+  bool cursorKey = false;
+  bool functionKey = false;
+  Int scalar = 0;  // the character that the general rule works on
+};
+
+KeyMeaning queued(Int value, bool cursorKey = false) {
+  return {KeyMeaning::Kind::Queue, value, cursorKey, false, 0};
+}
+
+KeyMeaning functionKeyPressed(Int value) {
+  return {KeyMeaning::Kind::Queue, value, false, true, 0};
+}
+
+KeyMeaning generalRule(Int scalar) {
+  return {KeyMeaning::Kind::GeneralRule, 0, false, false, scalar};
+}
+
+KeyMeaning noEvent() {
+  return {KeyMeaning::Kind::NoEvent, 0, false, false, 0};
+}
+
+// The cursor, paging and editing keys: each delivers a control code that text output and the
+// line editor read as a movement.
+struct CursorKey {
+  Int keyCode;
+  Int value;
+  bool cursorKey;
+};
+
+constexpr std::array<CursorKey, 10> CursorKeys{{
+    {115, 2, true},   // home
+    {116, 18, true},  // page up
+    {117, 7, false},  // forward delete
+    {119, 5, true},   // end
+    {121, 3, true},   // page down
+    {123, 8, true},   // left arrow
+    {124, 21, true},  // right arrow
+    {125, 10, true},  // down arrow
+    {126, 11, true},  // up arrow
+    {76, 13, false},  // keypad enter
+}};
+
+// Option characters that lie beyond Latin-1: on their own key they become the font's symbol
+// for that character.
+struct OptionCharacter {
+  Int keyCode;
+  Int scalar;
+  Int code;
+};
+
+constexpr std::array<OptionCharacter, 28> OptionCharacters{{
+    {0, 0xE5, 0xB0},    {1, 0x201A, 0xA8},  {2, 0x2202, 0xAD},  {3, 0x192, 0x82},
+    {4, 0xAA, 0x83},    {7, 0x2248, 0x84},  {9, 0x221A, 0xFD},  {11, 0x222B, 0xDE},
+    {13, 0x2211, 0xDD}, {14, 0x20AC, 0xA4}, {16, 0x3A9, 0x80},  {17, 0x2020, 0xBD},
+    {19, 0x201C, 0xA3}, {27, 0xBF, 0xA6},   {29, 0x2260, 0xAC}, {33, 0x2022, 0xB8},
+    {34, 0x2044, 0x81}, {35, 0x3C0, 0xF0},  {35, 0x220F, 0xD0}, {38, 0xBA, 0xB7},
+    {40, 0x2206, 0xFE}, {41, 0x153, 0xBE},  {42, 0x2018, 0xB4}, {43, 0x221E, 0xFF},
+    {44, 0x2013, 0x9A}, {47, 0x2026, 0xBF}, {50, 0x2264, 0xC5}, {50, 0x2265, 0xC6},
+}};
+
+// Option with keypad 0 to 6.
+constexpr std::array<Int, 7> OptionKeypadCodes{0xD8, 0xB9, 0xB2, 0xB3, 0xAA, 0xD7, 0xBA};
+
+bool flagSet(Int flags, Int flag) {
+  return (flags & flag) != 0;
+}
+
+std::optional<KeyMeaning> cursorKeyMeaning(Int keyCode) {
+  const auto row = std::find_if(CursorKeys.begin(), CursorKeys.end(),
+                                [&](const CursorKey& key) { return key.keyCode == keyCode; });
+  if (row == CursorKeys.end()) return std::nullopt;
+  return queued(row->value, row->cursorKey);
+}
+
+std::optional<KeyMeaning> optionCharacterMeaning(Int keyCode, Int scalar) {
+  const auto row = std::find_if(OptionCharacters.begin(), OptionCharacters.end(),
+                                [&](const OptionCharacter& character) {
+                                  return character.keyCode == keyCode && character.scalar == scalar;
+                                });
+  if (row == OptionCharacters.end()) return std::nullopt;
+  return queued(row->code);
+}
+
+// Dead keys deliver no characters; these keys still give the accent they carry.
+std::optional<KeyMeaning> deadKeyMeaning(Int keyCode, Int flags) {
+  switch (keyCode) {
+    case SectionKey:
+      return queued(0x5E);
+    case EqualsKey:
+      return queued(flagSet(flags, ShiftFlag) ? 0x60 : 0xB4);
+    case UKey:
+      return queued(0xAF);
+    case NKey:
+      if (flagSet(flags, OptionFlag)) return queued(0x7E);
+      return std::nullopt;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Keypad 7, 8 and 9: with control they switch the window's output to nowhere, standard output
+// and the window; with option they type three Latin-1 characters.
+std::optional<KeyMeaning> keypadSevenToNineMeaning(UInt8 window, Int keyCode, Int flags) {
+  const bool option = flagSet(flags, OptionFlag);
+  if (!option && flagSet(flags, ControlFlag)) {
+    t_RedirectOutput(window, keyCode == Keypad7Key ? 0 : keyCode == Keypad8Key ? 2 : 1);
+    return noEvent();
+  }
+  if (option) {
+    return generalRule(keyCode == Keypad7Key ? 0xE5 : keyCode == Keypad8Key ? 0xE6 : 0xBC);
+  }
+  return std::nullopt;
+}
+
+// The row of the key-code table for a key below 127, or nothing when the key has no row or its
+// condition fails.
+std::optional<KeyMeaning> tableMeaning(UInt8 window, Int keyCode, Int scalar, bool empty,
+                                       Int flags) {
+  if (auto meaning = cursorKeyMeaning(keyCode)) return meaning;
+  if (keyCode == TabKey) {
+    if (scalar == 0x19) return queued(20);  // shifted tab
+    return std::nullopt;
+  }
+  if (keyCode == LKey) {
+    if (scalar == 0x0C && flagSet(flags, OptionFlag)) return queued(0);
+    return std::nullopt;
+  }
+  if (keyCode == DeleteKey) return queued(scalar);
+  // The clear key has no code of its own.
+  if (keyCode == KeypadClearKey) return noEvent();
+  if (keyCode >= Keypad0Key && keyCode <= Keypad6Key) {
+    if (flagSet(flags, OptionFlag)) return queued(OptionKeypadCodes[keyCode - Keypad0Key]);
+    return std::nullopt;
+  }
+  if (keyCode == Keypad7Key || keyCode == Keypad8Key || keyCode == Keypad9Key) {
+    return keypadSevenToNineMeaning(window, keyCode, flags);
+  }
+  if (empty) return deadKeyMeaning(keyCode, flags);
+  return optionCharacterMeaning(keyCode, scalar);
+}
+
+// Latin-1 characters pass as they are, function keys become 129 and up, the rest is dropped.
+KeyMeaning generalRuleMeaning(Int scalar) {
+  if (scalar >= 0 && scalar <= LastLatin1Code) return queued(scalar);
+  if (scalar >= FirstFunctionKeyCharacter) {
+    return functionKeyPressed(scalar - FunctionKeyCodeOffset);
+  }
+  return noEvent();
+}
+
+Int millisecondsNow() {
+  const double milliseconds = host().absoluteTime() * 1000.0;
+  constexpr double Limit = 9223372036854775808.0;  // 2^63
+  if (!(milliseconds > -Limit && milliseconds < Limit)) return 0;
+  return static_cast<Int>(milliseconds);
+}
+
+void setModifierGlobals(Int flags) {
+  CapsLockDown = flagSet(flags, CapsLockFlag);
+  ShiftDown = flagSet(flags, ShiftFlag);
+  ControlDown = flagSet(flags, ControlFlag);
+  OptionDown = flagSet(flags, OptionFlag);
+  CommandDown = flagSet(flags, CommandFlag);
+  FnDown = flagSet(flags, FunctionFlag);
+}
+
+void queueKeyEvent(UInt8 window, Int keyCode, const std::string& characters, Int flags,
+                   const KeyMeaning& meaning) {
+  t_Event event;
+  event.Kind = KeyEventKind;
+  event.Index = keyCode;
+  event.Description = characters;
+  event.Value = meaning.value;
+  event.Mods = (flags >> 16) & 0xFFFF;
+  event.Window = window;
+  event.Time = millisecondsNow();
+  event.CapsLockPressed = flagSet(flags, CapsLockFlag);
+  event.ShiftPressed = flagSet(flags, ShiftFlag);
+  event.ControlPressed = flagSet(flags, ControlFlag);
+  event.OptionPressed = flagSet(flags, OptionFlag);
+  event.CommandPressed = flagSet(flags, CommandFlag);
+  event.NumericPadPressed = flagSet(flags, NumericPadFlag);
+  event.HelpPressed = flagSet(flags, HelpFlag);
+  event.FnPressed = flagSet(flags, FunctionFlag);
+  event.CursorKeyPressed = meaning.cursorKey;
+  event.FunctionKeyPressed = meaning.functionKey;
+  EventQueue.append(std::move(event));
+}
+
+void handleKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int flags) {
+  if (!MemoryInitialized) return;
+  if (window >= 8 || !Windows[window].Initialized) {
+    logLine("viewKeyDown: Graphic window (", window, ") not initialized.");
+    return;
+  }
+  if (Windows[window].IgnoreEvents) return;
+  const std::vector<char32_t> scalars = scalarsOf(characters);
+  const Int scalar = scalars.empty() ? 0 : static_cast<Int>(scalars.front());
+  setModifierGlobals(flags);
+
+  std::optional<KeyMeaning> meaning;
+  if (keyCode >= 0 && keyCode < KeyCodesWithTableRows) {
+    meaning = tableMeaning(window, keyCode, scalar, scalars.empty(), flags);
+  }
+  if (!meaning) meaning = generalRule(scalar);
+  if (meaning->kind == KeyMeaning::Kind::GeneralRule) meaning = generalRuleMeaning(meaning->scalar);
+  if (meaning->kind == KeyMeaning::Kind::Queue) {
+    queueKeyEvent(window, keyCode, characters, flags, *meaning);
+  }
+}
+
+bool isScalarValue(Int value) {
+  return value >= 0 && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF);
+}
+
+// The next queued event; while none is queued the window's cursor shows.
+t_Event nextEvent(UInt8 window) {
+  for (;;) {
+    if (!EventPending) {
+      t_CursorOn(window);
+      while (!EventPending) sleepFor(0, KeyWaitStepNanoseconds);
+      t_CursorOff(window);
+    }
+    if (std::optional<t_Event> event = EventQueue.takeFirst()) return *event;
+  }
+}
+
+// Upper case of ASCII and Latin-1 letters; every other character stays.
+char32_t upperCased(char32_t c) {
+  const bool asciiLower = c >= U'a' && c <= U'z';
+  const bool latin1Lower = c >= 0xE0 && c <= 0xFE && c != 0xF7;
+  return asciiLower || latin1Lower ? c - 32 : c;
+}
+
+Int yesNoAnswer(char32_t key, Int defaultAnswer) {
+  switch (key) {
+    case 13:
+    case U' ':
+      return defaultAnswer;
+    case 27:
+      return -1;
+    case U'J':
+    case U'Y':
+      return 1;
+    case U'N':
+      return 0;
+    default:
+      return -2;
+  }
+}
+
+}  // namespace
+
+void viewKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int modifierFlags) {
+  handleKeyDown(window, keyCode, characters, modifierFlags);
+  KeyIsDown = true;
+}
+
+void viewKeyUp() {
+  KeyIsDown = false;
+}
+
+void viewFlagsChanged(Int modifierFlags) {
+  setModifierGlobals(modifierFlags);
+}
+
+std::string t_GetKey(UInt8 window) {
+  for (;;) {
+    const t_Event event = nextEvent(window);
+    LastEvent = event;
+    if (event.Value < 0) continue;
+    return utf8Of(isScalarValue(event.Value) ? static_cast<char32_t>(event.Value) : 0);
+  }
+}
+
+Int t_GetYesNo(UInt8 window, Int defaultAnswer, bool echo) {
+  if (echo) t_Print(window, std::string(" \b"));
+  const std::vector<char32_t> key = scalarsOf(t_GetKey(window));
+  const char32_t c = key.empty() ? 0 : upperCased(key.front());
+  const Int answer = yesNoAnswer(c, defaultAnswer);
+  if (echo) t_Print(window, std::string(answer == 1 ? "J" : "N"));
+  return answer;
+}
+
+}  // namespace rvtools

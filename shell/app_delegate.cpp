@@ -1,0 +1,225 @@
+// The application delegate: builds the graphic windows and the auxiliary windows from their
+// forms, runs the launch sequence that starts the program thread, and answers the window events
+// that matter to the runtime (close boxes, resizes, activation).
+#include "shell/app_delegate.hpp"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGuiApplication>
+
+#include "runtime/log.hpp"
+#include "runtime/threads.hpp"
+#include "rvtools/input.hpp"
+#include "rvtools/runtime.hpp"
+#include "ui_main_window.h"
+#include "ui_pasteboard_window.h"
+#include "ui_preferences_window.h"
+#include "ui_system_console_window.h"
+#include "ui_virtual_printer_window.h"
+
+namespace rvtools::shell {
+namespace {
+
+// Margins of the auxiliary windows' layout: the pasteboard's text fills the window within 10
+// pixels, the printer's and the console's within 20, with a strip of 15 above for the ruler.
+constexpr int PasteboardMargin = 10;
+constexpr int TextWindowMargin = 20;
+constexpr int RulerStrip = 15;
+constexpr int RulerInset = 8;
+constexpr int RulerHeight = 19;
+
+// A window's frame as the layout sees it: the window manager draws the title bar outside the
+// widget's geometry, so TitleBarDelta measures what the form puts above the text.
+QSize frameSize(const QWidget& window) {
+  return window.geometry().size();
+}
+
+void placeScrollView(QAbstractScrollArea& scrollView, int margin, int width, int height) {
+  const int windowHeight = scrollView.parentWidget()->height();
+  scrollView.setGeometry(margin, windowHeight - margin - height, width, height);
+}
+
+}  // namespace
+
+AppDelegate::AppDelegate(std::function<void()> programEntry)
+    : programEntry_(std::move(programEntry)), quitAction_(std::make_unique<QAction>("Quit")) {
+  setObjectName(QStringLiteral("AppDelegate"));
+  quitAction_->setShortcut(QKeySequence(Qt::META | Qt::Key_Q));
+  connect(quitAction_.get(), &QAction::triggered, qApp, &QCoreApplication::quit,
+          Qt::QueuedConnection);
+  buildGraphicWindows();
+  buildAuxiliaryWindows();
+  watchWindows();
+  connect(qApp, &QGuiApplication::applicationStateChanged, this,
+          [](Qt::ApplicationState state) { ApplicationActive = state == Qt::ApplicationActive; });
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::buildGraphicWindows() {
+  for (UInt8 n = 0; n < 8; ++n) graphicWindows_[n] = std::make_unique<GraphicWindow>(n);
+  t_View00 = &graphicWindows_[0]->view();
+  t_View01 = &graphicWindows_[1]->view();
+  t_View02 = &graphicWindows_[2]->view();
+  t_View03 = &graphicWindows_[3]->view();
+  t_View04 = &graphicWindows_[4]->view();
+  t_View05 = &graphicWindows_[5]->view();
+  t_View06 = &graphicWindows_[6]->view();
+  t_View07 = &graphicWindows_[7]->view();
+}
+
+void AppDelegate::buildAuxiliaryWindows() {
+  virtualPrinterWindow_ = std::make_unique<QWidget>();
+  virtualPrinterForm_ = std::make_unique<Ui::VirtualPrinterWindow>();
+  virtualPrinterForm_->setupUi(virtualPrinterWindow_.get());
+  VirtualPrinterWindow = virtualPrinterWindow_.get();
+  VirtualPrinterTextView = virtualPrinterForm_->VirtualPrinterTextView;
+  VirtualPrinterScrollView = VirtualPrinterTextView;
+  VirtualPrinterRuler = virtualPrinterForm_->VirtualPrinterRuler;
+
+  systemConsoleWindow_ = std::make_unique<QWidget>();
+  systemConsoleForm_ = std::make_unique<Ui::SystemConsoleWindow>();
+  systemConsoleForm_->setupUi(systemConsoleWindow_.get());
+  SystemConsoleWindow = systemConsoleWindow_.get();
+  SystemConsoleTextView = systemConsoleForm_->SystemConsoleTextView;
+  SystemConsoleScrollView = SystemConsoleTextView;
+  SystemConsoleRuler = systemConsoleForm_->SystemConsoleRuler;
+
+  pasteboardWindow_ = std::make_unique<QWidget>();
+  pasteboardForm_ = std::make_unique<Ui::PasteboardWindow>();
+  pasteboardForm_->setupUi(pasteboardWindow_.get());
+  PasteboardWindow = pasteboardWindow_.get();
+  PasteboardTextView = pasteboardForm_->PasteboardTextView;
+  PasteboardScrollView = PasteboardTextView;
+
+  preferencesWindow_ = std::make_unique<QWidget>();
+  preferencesForm_ = std::make_unique<Ui::PreferencesWindow>();
+  preferencesForm_->setupUi(preferencesWindow_.get());
+  PreferencesWindow = preferencesWindow_.get();
+
+  mainWindow_ = std::make_unique<QMainWindow>();
+  mainForm_ = std::make_unique<Ui::MainWindow>();
+  mainForm_->setupUi(mainWindow_.get());
+  MainWindow = mainWindow_.get();
+}
+
+void AppDelegate::watchWindows() {
+  for (UInt8 n = 0; n <= MainWindowNumber; ++n) {
+    window(n)->installEventFilter(this);
+    window(n)->addAction(quitAction_.get());
+  }
+}
+
+std::array<GraphicView*, 8> AppDelegate::views() const {
+  return {t_View00, t_View01, t_View02, t_View03, t_View04, t_View05, t_View06, t_View07};
+}
+
+void AppDelegate::applicationWillFinishLaunching() {
+  logLine("applicationWillFinishLaunching: Called.");
+  if (CurrentThreadNumber() == 1) nameCurrentThread("AppDelegate");
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  logLine("applicationDidFinishLaunching: Start.");
+  initrvtools();
+  TitleBarDelta = static_cast<Int>(frameSize(*PasteboardWindow).height() -
+                                   PasteboardScrollView->geometry().height() - 20);
+  logLine("Program: Start.");
+  startprocess(programEntry_, ProgramThreadStackSize);
+  logLine("applicationDidFinishLaunching: End.");
+  LaunchFinished = true;
+}
+
+void AppDelegate::applicationWillTerminate() {
+  logLine("applicationWillTerminate: Called.");
+  TerminationHandler();
+}
+
+QWidget* AppDelegate::window(UInt8 number) const {
+  switch (number) {
+    case PasteboardWindowNumber:
+      return PasteboardWindow;
+    case VirtualPrinterWindowNumber:
+      return VirtualPrinterWindow;
+    case SystemConsoleWindowNumber:
+      return SystemConsoleWindow;
+    case PreferencesWindowNumber:
+      return PreferencesWindow;
+    case MainWindowNumber:
+      return MainWindow;
+    default:
+      return number < 8 ? graphicWindows_[number].get() : nullptr;
+  }
+}
+
+GraphicView* AppDelegate::view(UInt8 number) const {
+  return number < 8 ? views()[number] : nullptr;
+}
+
+UInt8 AppDelegate::windowNumber(const QWidget* window) const {
+  if (window == nullptr) return NoWindow;
+  const std::pair<const QWidget*, UInt8> auxiliary[] = {
+      {VirtualPrinterWindow, VirtualPrinterWindowNumber},
+      {SystemConsoleWindow, SystemConsoleWindowNumber},
+      {PasteboardWindow, PasteboardWindowNumber},
+      {PreferencesWindow, PreferencesWindowNumber},
+      {MainWindow, MainWindowNumber},
+  };
+  for (const auto& [outlet, number] : auxiliary) {
+    if (outlet != nullptr && outlet == window) return number;
+  }
+  const std::array<GraphicView*, 8> graphicViews = views();
+  for (UInt8 n = 0; n < 8; ++n) {
+    if (graphicViews[n] != nullptr && graphicViews[n]->window() == window) return n;
+  }
+  return NoWindow;
+}
+
+// The layout follows the application's active window, which is the one being resized whenever
+// the user drags a window's edge.
+void AppDelegate::windowDidResize() {
+  const QWidget* active = QApplication::activeWindow();
+  if (active == nullptr) return;
+  const QSize frame = frameSize(*active);
+  const int width = frame.width(), height = frame.height();
+  const int delta = static_cast<int>(TitleBarDelta.load());
+  switch (windowNumber(active)) {
+    case PasteboardWindowNumber:
+      placeScrollView(*PasteboardScrollView, PasteboardMargin, width - 2 * PasteboardMargin,
+                      height - 2 * PasteboardMargin - delta);
+      break;
+    case VirtualPrinterWindowNumber:
+      placeScrollView(*VirtualPrinterScrollView, TextWindowMargin, width - 2 * TextWindowMargin,
+                      height - 2 * TextWindowMargin - delta - RulerStrip);
+      VirtualPrinterRuler->resize(width - 2 * TextWindowMargin - RulerInset, RulerHeight);
+      break;
+    case SystemConsoleWindowNumber:
+      placeScrollView(*SystemConsoleScrollView, TextWindowMargin, width - 2 * TextWindowMargin,
+                      height - 2 * TextWindowMargin - delta - RulerStrip);
+      SystemConsoleRuler->resize(width - 2 * TextWindowMargin - RulerInset, RulerHeight);
+      break;
+    default:
+      break;
+  }
+}
+
+bool AppDelegate::windowShouldClose(QWidget* window) {
+  const UInt8 number = windowNumber(window);
+  if (number >= 8) return true;
+  t_MouseEventPostCloseBoxClick(number);
+  return false;
+}
+
+bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
+  auto* window = qobject_cast<QWidget*>(watched);
+  if (window == nullptr) return false;
+  if (event->type() == QEvent::Close && !windowShouldClose(window)) {
+    event->ignore();
+    return true;
+  }
+  if (event->type() == QEvent::Resize) windowDidResize();
+  return false;
+}
+
+}  // namespace rvtools::shell

@@ -1,0 +1,98 @@
+// Internal: the application delegate. It owns every window of the interface and holds the 21
+// outlets under their own names, runs the launch sequence, maps platform windows to window
+// numbers, lays out the auxiliary windows when they are resized, and reports close boxes of the
+// graphic windows to the runtime.
+#pragma once
+
+#include <QMainWindow>
+#include <QObject>
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <memory>
+
+#include "rvtools/types.hpp"
+#include "shell/graphic_window.hpp"
+
+class QAbstractScrollArea;
+class QAction;
+class QLabel;
+class QPlainTextEdit;
+
+namespace Ui {
+class MainWindow;
+class PasteboardWindow;
+class PreferencesWindow;
+class SystemConsoleWindow;
+class VirtualPrinterWindow;
+}  // namespace Ui
+
+namespace rvtools::shell {
+
+class AppDelegate final : public QObject {
+ public:
+  // Builds all windows, hidden. `programEntry` is the program that the launch starts.
+  explicit AppDelegate(std::function<void()> programEntry);
+  ~AppDelegate() override;
+
+  void applicationWillFinishLaunching();
+  void applicationDidFinishLaunching();
+  void applicationWillTerminate();
+
+  // The window of number 0..12, or null.
+  QWidget* window(UInt8 number) const;
+  // The view of graphic window 0..7, or null.
+  GraphicView* view(UInt8 number) const;
+  // The number of a platform window; 255 when it belongs to no outlet.
+  UInt8 windowNumber(const QWidget* window) const;
+  // Lays out the auxiliary window that is the application's active window.
+  void windowDidResize();
+
+  // The outlets: filled when the windows are built, never replaced.
+  GraphicView* t_View00 = nullptr;
+  GraphicView* t_View01 = nullptr;
+  GraphicView* t_View02 = nullptr;
+  GraphicView* t_View03 = nullptr;
+  GraphicView* t_View04 = nullptr;
+  GraphicView* t_View05 = nullptr;
+  GraphicView* t_View06 = nullptr;
+  GraphicView* t_View07 = nullptr;
+  QWidget* VirtualPrinterWindow = nullptr;
+  QAbstractScrollArea* VirtualPrinterScrollView = nullptr;
+  QPlainTextEdit* VirtualPrinterTextView = nullptr;
+  QLabel* VirtualPrinterRuler = nullptr;
+  QWidget* SystemConsoleWindow = nullptr;
+  QAbstractScrollArea* SystemConsoleScrollView = nullptr;
+  QPlainTextEdit* SystemConsoleTextView = nullptr;
+  QLabel* SystemConsoleRuler = nullptr;
+  QWidget* PasteboardWindow = nullptr;
+  QAbstractScrollArea* PasteboardScrollView = nullptr;
+  QPlainTextEdit* PasteboardTextView = nullptr;
+  QMainWindow* MainWindow = nullptr;
+  QWidget* PreferencesWindow = nullptr;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void buildGraphicWindows();
+  void buildAuxiliaryWindows();
+  void watchWindows();
+  // The close box of a window: a graphic window reports it and stays; others just hide.
+  bool windowShouldClose(QWidget* window);
+  std::array<GraphicView*, 8> views() const;
+
+  std::function<void()> programEntry_;
+  std::unique_ptr<QAction> quitAction_;
+  std::array<std::unique_ptr<GraphicWindow>, 8> graphicWindows_;
+  std::unique_ptr<QWidget> virtualPrinterWindow_, systemConsoleWindow_, pasteboardWindow_,
+      preferencesWindow_;
+  std::unique_ptr<QMainWindow> mainWindow_;
+  std::unique_ptr<Ui::VirtualPrinterWindow> virtualPrinterForm_;
+  std::unique_ptr<Ui::SystemConsoleWindow> systemConsoleForm_;
+  std::unique_ptr<Ui::PasteboardWindow> pasteboardForm_;
+  std::unique_ptr<Ui::PreferencesWindow> preferencesForm_;
+  std::unique_ptr<Ui::MainWindow> mainForm_;
+};
+
+}  // namespace rvtools::shell

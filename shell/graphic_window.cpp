@@ -1,0 +1,141 @@
+// The graphic windows and their views: the picture is composed on the interface thread into an
+// image kept across frames and drawn with nearest-neighbour scaling; VerticalBlank is false while
+// a frame is being composed. Keys go to the runtime's key handler, clicks in the view or in the
+// border to its mouse handler in window coordinates.
+#include "shell/graphic_window.hpp"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "rvtools/display.hpp"
+#include "rvtools/input.hpp"
+#include "rvtools/runtime.hpp"
+#include "shell/key_translation.hpp"
+
+namespace rvtools::shell {
+namespace {
+
+// The largest picture the runtime composes; anything else is refused by the composition.
+constexpr Int LargestSide = 8192;
+
+QString viewName(UInt8 window) {
+  return QStringLiteral("View%1").arg(window, 2, 10, QLatin1Char('0'));
+}
+
+Int buttonsOf(Qt::MouseButtons buttons) {
+  Int bits = 0;
+  if (buttons & Qt::LeftButton) bits |= 1;
+  if (buttons & Qt::RightButton) bits |= 2;
+  if (buttons & ~(Qt::LeftButton | Qt::RightButton)) bits |= 4;
+  return bits;
+}
+
+bool isReportedButton(Qt::MouseButton button) {
+  return button == Qt::LeftButton || button == Qt::RightButton;
+}
+
+}  // namespace
+
+GraphicView::GraphicView(UInt8 window, GraphicWindow& owner)
+    : QWidget(&owner), window_(window), owner_(owner) {
+  setObjectName(viewName(window));
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+bool GraphicView::composePicture() {
+  const t_Window& record = Windows[window_];
+  const Int width = record.Width, height = record.Height;
+  const bool drawable = width >= 1 && height >= 1 && width <= LargestSide && height <= LargestSide;
+  if (drawable && (picture_.width() != width || picture_.height() != height)) {
+    picture_ = QImage(static_cast<int>(width), static_cast<int>(height), QImage::Format_RGB32);
+  }
+  if (!drawable || picture_.isNull()) {
+    // The composition refuses the size itself and says why.
+    return t_WindowImageInto(window_, nullptr, 0, PixelOrder::NativeArgb32);
+  }
+  return t_WindowImageInto(window_, picture_.bits(),
+                           static_cast<std::size_t>(picture_.sizeInBytes()),
+                           PixelOrder::NativeArgb32);
+}
+
+void GraphicView::paintEvent(QPaintEvent*) {
+  if (!MemoryInitialized) return;
+  t_Window& record = Windows[window_];
+  record.VerticalBlank = false;
+  if (composePicture()) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(QRectF(rect()), picture_);
+  }
+  record.VerticalBlank = true;
+}
+
+void GraphicView::keyPressEvent(QKeyEvent* event) {
+  const KeyPress press = translateKey(*event);
+  if (press.ModifierKey) {
+    viewFlagsChanged(press.Flags);
+  } else {
+    viewKeyDown(window_, press.KeyCode, press.Characters, press.Flags);
+  }
+}
+
+void GraphicView::keyReleaseEvent(QKeyEvent* event) {
+  const KeyPress press = translateKey(*event);
+  if (press.ModifierKey) {
+    viewFlagsChanged(press.Flags);
+  } else if (!event->isAutoRepeat()) {
+    viewKeyUp();
+  }
+}
+
+void GraphicView::mousePressEvent(QMouseEvent* event) {
+  owner_.reportMouseDown(*event, true);
+}
+
+void GraphicView::mouseReleaseEvent(QMouseEvent* event) {
+  if (isReportedButton(event->button())) viewMouseUp();
+}
+
+GraphicWindow::GraphicWindow(UInt8 window) : window_(window), view_(window, *this) {
+  setObjectName(QStringLiteral("GraphicWindow%1").arg(window));
+  setAutoFillBackground(true);
+  setFocusProxy(&view_);
+  resize(640, 480);
+  placeView();
+}
+
+PictureGeometry GraphicWindow::recordGeometry() const {
+  if (!MemoryInitialized || !Windows[window_].Initialized) return {};
+  const t_Window& record = Windows[window_];
+  return {record.Width, record.Height, record.BorderWidth, record.BorderHeight};
+}
+
+void GraphicWindow::placeView() {
+  layout_ = layoutPicture(size(), devicePixelRatioF(), recordGeometry());
+  if (view_.geometry() != layout_.View) view_.setGeometry(layout_.View);
+}
+
+void GraphicWindow::reportMouseDown(const QMouseEvent& event, bool inView) {
+  if (!isReportedButton(event.button())) return;
+  const QPointF windowPoint = inView ? event.position() + QPointF(view_.pos()) : event.position();
+  const QPointF position = layout_.windowCoordinates(windowPoint);
+  const t_MouseClick click{buttonsOf(event.buttons() | event.button()),
+                           modifierFlagsOf(event.modifiers())};
+  viewMouseDown(window_, click, position.x(), position.y(), event.button() == Qt::RightButton);
+}
+
+void GraphicWindow::resizeEvent(QResizeEvent*) {
+  placeView();
+}
+
+void GraphicWindow::mousePressEvent(QMouseEvent* event) {
+  reportMouseDown(*event, false);
+}
+
+void GraphicWindow::mouseReleaseEvent(QMouseEvent* event) {
+  if (isReportedButton(event->button())) viewMouseUp();
+}
+
+}  // namespace rvtools::shell

@@ -1,0 +1,63 @@
+// Internal: a graphic window and its view. The window is a top-level widget whose background,
+// painted in the border colour, frames the view; the view shows the window's picture scaled
+// crisply and turns keys and clicks into the runtime's input events.
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+
+#include "rvtools/types.hpp"
+#include "shell/picture_layout.hpp"
+
+namespace rvtools::shell {
+
+class GraphicWindow;
+
+// The view of graphic window n, carrying the object name Viewnn.
+class GraphicView final : public QWidget {
+ public:
+  GraphicView(UInt8 window, GraphicWindow& owner);
+
+  UInt8 windowNumber() const { return window_; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  // Tab and shift-tab are keys for the program, not a move of the focus.
+  bool focusNextPrevChild(bool) override { return false; }
+
+ private:
+  bool composePicture();
+
+  UInt8 window_;
+  GraphicWindow& owner_;
+  QImage picture_;  // kept across frames; reallocated only when the window's size changes
+};
+
+class GraphicWindow final : public QWidget {
+ public:
+  explicit GraphicWindow(UInt8 window);
+
+  GraphicView& view() { return view_; }
+  // Places the view for the window's current size and its record's size and border.
+  void placeView();
+  // A button press in the view or, outside it, in the border.
+  void reportMouseDown(const QMouseEvent& event, bool inView);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  PictureGeometry recordGeometry() const;
+
+  UInt8 window_;
+  GraphicView view_;
+  PictureLayout layout_;
+};
+
+}  // namespace rvtools::shell

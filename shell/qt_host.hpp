@@ -1,0 +1,49 @@
+// Internal: the host on Qt. Platform work runs on the GUI thread: directly when the caller is
+// there, else by a blocking queued call. Windows and views are those of the application
+// delegate; sounds come from the bundle's resources.
+#pragma once
+
+#include <memory>
+
+#include "rvtools/host.hpp"
+#include "shell/app_delegate.hpp"
+#include "shell/sound_player.hpp"
+
+namespace rvtools::shell {
+
+class QtHost final : public Host {
+ public:
+  // Create it on the GUI thread, after the application object.
+  explicit QtHost(AppDelegate& delegate);
+
+  bool isInterfaceThread() const override;
+  void runOnInterfaceThread(const std::function<void()>& work) override;
+  PlatformHandle windowHandle(UInt8 window) override;
+  PlatformHandle viewHandle(UInt8 window) override;
+  void displayView(UInt8 window, bool deferred) override;
+  void setWindowTitle(UInt8 window, const std::string& title) override;
+  void setWindowTitleVisible(UInt8 window, bool visible) override;
+  void setWindowPosition(UInt8 window, Int x, Int y) override;
+  void setWindowContentSize(UInt8 window, Int width, Int height) override;
+  void bringWindowToFront(UInt8 window) override;
+  void centerWindow(UInt8 window) override;
+  void setWindowVisible(UInt8 window, bool visible) override;
+  WindowFrame windowFrame(UInt8 window) override;
+  ScreenSize screenSize() override;
+  void setBorderColor(UInt8 window, t_RGBColor color) override;
+  std::string bundlePath() override;
+  bool playSound(Sound sound) override;
+  void systemBeep() override;
+  std::string pasteboardText() override;
+  void setPasteboardText(const std::string& text) override;
+
+ private:
+  // Runs `work` on the window of number `window` on the GUI thread, if there is that window.
+  void onWindow(UInt8 window, const std::function<void(QWidget&)>& work);
+
+  AppDelegate& delegate_;
+  std::string bundlePath_;
+  std::unique_ptr<SoundPlayer> sounds_;
+};
+
+}  // namespace rvtools::shell

@@ -1,0 +1,115 @@
+// The graphic windows and views on the offscreen platform: keys and clicks reach the runtime's
+// queues, the close box only reports, the refresh draws the picture scaled crisply.
+#include <QImage>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <chrono>
+
+#include "shell_test.hpp"
+
+namespace rvtools::testing {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class ViewTest : public ShellTest {};
+
+TEST_F(ViewTest, KeysBecomeEventsOfTheViewsWindow) {
+  initGraphicWindow(2, 64, 48, 8, false);
+  QWidget& view = graphicWindow(2).view();
+  QTest::keyClick(&view, Qt::Key_Left);
+  QTest::keyClick(&view, Qt::Key_F1);
+  QTest::keyClick(&view, Qt::Key_Backspace);
+  QTest::keyClick(&view, 'q');
+
+  ASSERT_EQ(EventQueue.count(), 4u);
+  const t_Event left = *EventQueue.takeFirst();
+  EXPECT_EQ(left.Kind, 1);
+  EXPECT_EQ(left.Window, 2);
+  EXPECT_EQ(left.Value, 8);
+  EXPECT_TRUE(left.CursorKeyPressed);
+  const t_Event f1 = *EventQueue.takeFirst();
+  EXPECT_EQ(f1.Value, 129);
+  EXPECT_TRUE(f1.FunctionKeyPressed);
+  EXPECT_EQ(EventQueue.takeFirst()->Value, 127);
+  EXPECT_EQ(EventQueue.takeFirst()->Value, 'q');
+  EXPECT_FALSE(KeyIsDown);
+}
+
+TEST_F(ViewTest, ClicksAddressPicturePixelsAtEveryScale) {
+  initGraphicWindow(0, 64, 48, 8, false);
+  t_WindowFront(0);
+  shell::GraphicWindow& window = graphicWindow(0);
+  auto clickPosition = [](QWidget& target, QPoint point, Qt::MouseButton button) {
+    QTest::mouseClick(&target, button, {}, point);
+    const std::optional<t_Event> event = t_TakeMouseEvent();
+    return event ? std::pair{event->ClickX, event->ClickY} : std::pair<Int, Int>{-9, -9};
+  };
+  using Position = std::pair<Int, Int>;
+
+  // A click at the window's point (8, 8) lands in the view's top-left corner.
+  EXPECT_EQ(clickPosition(window, {8, 8}, Qt::LeftButton), Position(0, 0));
+  EXPECT_EQ(clickPosition(window.view(), {63, 47}, Qt::LeftButton), Position(63, 47));
+  EXPECT_EQ(clickPosition(window, {3, 20}, Qt::LeftButton), Position(-1, 12));
+  EXPECT_EQ(clickPosition(window, {75, 20}, Qt::LeftButton), Position(-2, 12));
+  EXPECT_EQ(clickPosition(window, {20, 60}, Qt::RightButton), Position(12, -2));
+
+  // 170 x 140 holds the 80 x 64 content twice, centred 5 and 6 pixels in.
+  window.resize(170, 140);
+  EXPECT_EQ(clickPosition(window.view(), {10, 21}, Qt::LeftButton), Position(5, 10));
+  EXPECT_EQ(clickPosition(window, {5 + 2 * 72, 30}, Qt::LeftButton), Position(-2, 4));
+
+  std::vector<std::string> lines = logLines();
+  std::erase_if(lines, [](const std::string& line) { return !line.starts_with("t_Mouse"); });
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "t_MouseEventHandler: Graphic #0 window, X = 0, Y = 0");
+  EXPECT_EQ(lines[1], "t_MouseEventHandler: Calling program mouse handler asynchronously.");
+  EXPECT_FALSE(LeftMouseDown);
+  EXPECT_FALSE(RightMouseDown);
+}
+
+TEST_F(ViewTest, CloseBoxReportsGraphicWindowsAndHidesOthers) {
+  initGraphicWindow(1, 64, 48, 8, false);
+  t_WindowFront(1);
+  QWidget& window = graphicWindow(1);
+  ASSERT_TRUE(window.isVisible());
+  EXPECT_FALSE(window.close());
+  EXPECT_FALSE(window.isVisible());
+  EXPECT_FALSE(Windows[1].Visible);
+  EXPECT_TRUE(Windows[1].Initialized);
+  EXPECT_EQ(MouseEventQueue.count(), 0u);
+  EXPECT_EQ(logLines().back(), "t_MouseEventPostCloseBoxClick: Window = 1");
+
+  QWidget& printer = *shellDelegate().VirtualPrinterWindow;
+  printer.show();
+  EXPECT_TRUE(printer.close());
+  EXPECT_FALSE(printer.isVisible());
+  EXPECT_EQ(shellDelegate().windowNumber(&printer), VirtualPrinterWindowNumber);
+  EXPECT_EQ(shellDelegate().windowNumber(shellDelegate().VirtualPrinterTextView), NoWindow);
+}
+
+TEST_F(ViewTest, RefreshDrawsThePictureScaledCrisply) {
+  initGraphicWindow(3, 64, 48, 8, true);
+  VideoMemory[Windows[3].MemoryStart] = 255;  // the top-left pixel white, the rest black
+  const auto shown = Clock::now();
+  t_WindowFront(3);
+  ASSERT_TRUE(QTest::qWaitFor([] { return Windows[3].UpdateFinished != 0; }, 1000));
+  EXPECT_LT(Clock::now() - shown, std::chrono::milliseconds(250));
+
+  shell::GraphicWindow& window = graphicWindow(3);
+  window.resize(170, 140);
+  const QImage image = window.grab().toImage();
+  const QColor border(PaletteRed[5], PaletteGreen[5], PaletteBlue[5]);
+  EXPECT_EQ(image.pixelColor(2, 2), border);
+  EXPECT_EQ(image.pixelColor(5 + 15, 6 + 20), border);
+  for (const QPoint white : {QPoint(21, 22), QPoint(22, 23)}) {
+    EXPECT_EQ(image.pixelColor(white), QColor(Qt::white));
+  }
+  for (const QPoint black : {QPoint(23, 22), QPoint(21, 24), QPoint(100, 80)}) {
+    EXPECT_EQ(image.pixelColor(black), QColor(Qt::black));
+  }
+  EXPECT_TRUE(Windows[3].VerticalBlank);
+}
+
+}  // namespace
+}  // namespace rvtools::testing

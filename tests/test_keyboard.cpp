@@ -1,0 +1,154 @@
+// Key handling: the values that key presses queue, the keys that act or are dropped, the
+// refusals, and the program side that waits for keys and reads yes/no answers.
+#include <chrono>
+#include <thread>
+#include <tuple>
+
+#include "common.hpp"
+
+namespace rvtools::testing {
+namespace {
+
+const std::string LeftArrow = "\xEF\x9C\x82";  // U+F702
+const std::string F1 = "\xEF\x9C\x84";         // U+F704
+
+class KeyboardTest : public RuntimeTest {
+ protected:
+  void SetUp() override {
+    RuntimeTest::SetUp();
+    initTextWindow(0, 8, 8, 2);
+  }
+  // The values of the events queued so far; the queue is empty afterwards.
+  static std::vector<Int> takeValues() {
+    std::vector<Int> values;
+    while (auto event = EventQueue.takeFirst()) values.push_back(event->Value);
+    return values;
+  }
+};
+
+TEST_F(KeyboardTest, CursorFunctionAndDeleteKeysCarryTheirCodesAndFlags) {
+  const Int before = static_cast<Int>(host().absoluteTime() * 1000);
+  viewKeyDown(0, 123, LeftArrow, ShiftFlag | NumericPadFlag | FunctionFlag);
+  viewKeyDown(0, 122, F1, 0);
+  const t_Event left = *EventQueue.takeFirst();
+  EXPECT_EQ(std::tie(left.Kind, left.Index, left.Description, left.Value, left.Mods, left.Window),
+            std::make_tuple(1, 123, LeftArrow, 8, 0xA2, 0));
+  EXPECT_TRUE(left.CursorKeyPressed && left.ShiftPressed && left.NumericPadPressed &&
+              left.FnPressed);
+  EXPECT_FALSE(left.FunctionKeyPressed || left.ControlPressed || left.OptionPressed);
+  EXPECT_GE(left.Time, before);
+  EXPECT_LE(left.Time, before + 5000);
+  const t_Event f1 = *EventQueue.takeFirst();
+  EXPECT_EQ(f1.Value, 129);
+  EXPECT_TRUE(f1.FunctionKeyPressed && !f1.CursorKeyPressed);
+
+  viewKeyDown(0, 51, "\x7F", 0);
+  viewKeyDown(0, 117, "", 0);              // forward delete
+  viewKeyDown(0, 48, "\x19", ShiftFlag);   // shifted tab
+  viewKeyDown(0, 111, "\xEF\x9C\x8F", 0);  // F12, U+F70F
+  viewKeyDown(0, 5, "\xEF\x9C\x83", 0);    // U+F703, just below the function keys
+  viewKeyDown(0, 5, "\xC4\x80", 0);        // U+0100, the first character beyond Latin-1
+  viewKeyDown(0, 5, "\xC3\xBF", 0);        // U+00FF
+  EXPECT_EQ(takeValues(), (std::vector<Int>{127, 7, 20, 140, 255}));
+}
+
+TEST_F(KeyboardTest, OptionDeadAndKeypadKeysBecomeFontCodesOrRedirect) {
+  const std::string euro = "\xE2\x82\xAC";
+  viewKeyDown(0, 14, euro, OptionFlag);
+  viewKeyDown(0, 15, euro, OptionFlag);  // not on its own key: dropped
+  viewKeyDown(0, 24, "", 0);
+  viewKeyDown(0, 24, "", ShiftFlag);
+  viewKeyDown(0, 35, "\xE2\x88\x8F", OptionFlag | ShiftFlag);  // U+220F, the second row of 35
+  viewKeyDown(0, 45, "", OptionFlag);
+  viewKeyDown(0, 1, "\xC3\xA5", OptionFlag);  // U+00E5 translates on key 0 only
+  viewKeyDown(0, 86, "4", OptionFlag);
+  viewKeyDown(0, 86, "4", NumericPadFlag);
+  viewKeyDown(0, 37, "\x0C", ControlFlag);  // translates with option only
+  viewKeyDown(0, 71, "\xEF\x9C\xB9", 0);    // keypad clear
+  viewKeyDown(0, 89, "7", OptionFlag | ControlFlag);
+  viewKeyDown(0, 92, "9", OptionFlag);
+  EXPECT_EQ(takeValues(),
+            (std::vector<Int>{0xA4, 0xB4, 0x60, 0xD0, 0x7E, 0xE5, 0xAA, '4', 12, 0xE5, 0xBC}));
+
+  viewKeyDown(0, 89, "7", ControlFlag);
+  EXPECT_EQ(Windows[0].TextRedirectOutput, 0);
+  viewKeyDown(0, 91, "8", ControlFlag);
+  EXPECT_EQ(Windows[0].TextRedirectOutput, 2);
+  viewKeyDown(0, 92, "9", ControlFlag);
+  EXPECT_EQ(Windows[0].TextRedirectOutput, 1);
+  EXPECT_FALSE(EventPending);
+}
+
+TEST_F(KeyboardTest, RefusedKeysStillMarkAKeyDown) {
+  MemoryInitialized = false;
+  viewKeyDown(0, 0, "a", 0);
+  EXPECT_TRUE(KeyIsDown);
+  MemoryInitialized = true;
+  viewKeyUp();
+  EXPECT_FALSE(KeyIsDown);
+  viewKeyDown(1, 0, "a", 0);
+  viewKeyDown(9, 0, "a", 0);
+  Windows[0].IgnoreEvents = true;
+  viewKeyDown(0, 0, "a", ShiftFlag);
+  EXPECT_TRUE(KeyIsDown);
+  EXPECT_FALSE(ShiftDown);  // a dropped key leaves the modifiers alone
+  EXPECT_FALSE(EventPending);
+  EXPECT_EQ(logLines(),
+            (std::vector<std::string>{"viewKeyDown: Graphic window (1) not initialized.",
+                                      "viewKeyDown: Graphic window (9) not initialized."}));
+
+  Windows[0].IgnoreEvents = false;
+  viewKeyDown(0, 0, "A", CapsLockFlag | ShiftFlag | CommandFlag);
+  EXPECT_TRUE(CapsLockDown && ShiftDown && CommandDown && !ControlDown && !OptionDown && !FnDown);
+  viewFlagsChanged(ControlFlag | OptionFlag | FunctionFlag);
+  EXPECT_TRUE(!CapsLockDown && !ShiftDown && !CommandDown && ControlDown && OptionDown && FnDown);
+}
+
+TEST_F(KeyboardTest, GetKeySkipsValuelessEventsAndReturnsOneCharacter) {
+  t_Event withoutValue;
+  withoutValue.Value = -1;
+  t_Event surrogate;
+  surrogate.Value = 0xD800;
+  EventQueue.append(withoutValue);
+  viewKeyDown(0, 41, "\xC3\xB6", 0);  // U+00F6
+  EventQueue.append(surrogate);
+  EXPECT_EQ(t_GetKey(0), "\xC3\xB6");
+  EXPECT_EQ(LastEvent.Index, 41);
+  EXPECT_EQ(t_GetKey(0), std::string(1, '\0'));
+}
+
+TEST_F(KeyboardTest, GetKeyShowsTheCursorWhileItWaits) {
+  t_PrintSymbol(0, 'x', 0xC0, 1, 1);  // the cursor cell: red on black
+  const std::string colorsBefore = screenColors(0);
+  std::string colorsWhileWaiting;
+  std::thread typist([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    colorsWhileWaiting = screenColors(0);
+    viewKeyDown(0, 4, "h", 0);
+  });
+  EXPECT_EQ(t_GetKey(0), "h");
+  typist.join();
+  EXPECT_EQ(colorsWhileWaiting.substr(0, 3), "0C ");
+  EXPECT_EQ(screenColors(0), colorsBefore);
+  EXPECT_EQ(Windows[0].TextCursorLevel, 0);
+}
+
+TEST_F(KeyboardTest, YesNoAnswersAndTheirEcho) {
+  const struct {
+    std::string characters;
+    Int defaultAnswer, expected;
+  } cases[] = {{"\r", 1, 1}, {"y", 0, 1}, {"\x1B", 1, -1}, {"x", 1, -2},
+               {"n", 1, 0},  {" ", 0, 0}, {"j", 0, 1},     {"\xC3\xA5", 1, -2}};
+  for (const auto& answer : cases) {
+    viewKeyDown(0, 5, answer.characters, 0);
+    EXPECT_EQ(t_GetYesNo(0, answer.defaultAnswer, true), answer.expected) << answer.characters;
+  }
+  viewKeyDown(0, 5, "Y", 0);
+  EXPECT_EQ(t_GetYesNo(0, 0, false), 1);
+  // The last echo wraps the cursor; the second line stays untouched.
+  EXPECT_EQ(screenText(0), "JJNNNNJN\n........\n");
+  EXPECT_EQ(Windows[0].TextHpos * 100 + Windows[0].TextVpos, 102);
+}
+
+}  // namespace
+}  // namespace rvtools::testing
