@@ -1,10 +1,12 @@
 // The headless host: eight off-screen views and records of every frame operation, for tests,
 // benchmarks and programs without a display. It has no interface thread of its own; platform
-// work runs on the calling thread, one piece at a time.
+// work runs on the calling thread, one piece at a time. Its menus, text views, pasteboard and
+// file panels live in memory.
 #include "rvtools/headless.hpp"
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <thread>
 
@@ -37,11 +39,88 @@ PlatformHandle handleOf(const void* record) {
   return record;
 }
 
+// Window 0..7: show and hide items with tags 213 + 2n and 214 + 2n.
+void addGraphicWindowItems(std::vector<HeadlessHost::MenuItem>& items) {
+  for (Int n = 0; n < 8; ++n) {
+    items.push_back({"Show Window " + std::to_string(n), 213 + 2 * n});
+    items.push_back({"Hide Window " + std::to_string(n), 214 + 2 * n});
+  }
+}
+
 }  // namespace
 
 HeadlessHost::HeadlessHost(std::string bundlePath)
     : bundlePath_(bundlePath.empty() ? bundleAroundExecutable() : std::move(bundlePath)) {
   for (int n = 0; n < 8; ++n) windows_[n].HasView = true;
+}
+
+std::vector<HeadlessHost::Menu> HeadlessHost::englishMenus() {
+  std::vector<MenuItem> windowItems;
+  addGraphicWindowItems(windowItems);
+  windowItems.insert(windowItems.end(), {{"", 0},
+                                         {"Show Main Window", 205},
+                                         {"Hide Main Window", 206},
+                                         {"Show Preferences", 207},
+                                         {"Hide Preferences", 208},
+                                         {"Show Virtual Printer", 209},
+                                         {"Hide Virtual Printer", 210},
+                                         {"Clear Virtual Printer", 112},
+                                         {"Show System Console", 229},
+                                         {"Hide System Console", 230},
+                                         {"Clear System Console", 114},
+                                         {"Show Pasteboard", 211},
+                                         {"Hide Pasteboard", 212},
+                                         {"", 0},
+                                         {"Hide Front Window", 201},
+                                         {"Hide All Windows", 200}});
+  return {{"File", {{"Open…", 100}, {"Save…", 101}, {"", 0}, {"Quit", 0}}},
+          {"Edit", {{"Copy Picture", 110}, {"Copy Text", 111}, {"Paste", 113}}},
+          {"Window", std::move(windowItems)},
+          {"Program", {{"Program Action", 0}}}};
+}
+
+std::vector<HeadlessHost::Menu> HeadlessHost::menus() const {
+  std::lock_guard lock(mutex_);
+  return menus_;
+}
+
+void HeadlessHost::setMenus(std::vector<Menu> menus) {
+  std::lock_guard lock(mutex_);
+  menus_ = std::move(menus);
+}
+
+void HeadlessHost::setTextViewPresent(UInt8 window, bool present) {
+  std::lock_guard lock(mutex_);
+  if (std::optional<std::string>* view = textView(window)) {
+    *view = present ? std::optional<std::string>("") : std::nullopt;
+  }
+}
+
+t_Image HeadlessHost::pasteboardImage() const {
+  std::lock_guard lock(mutex_);
+  return pasteboardImage_;
+}
+
+void HeadlessHost::setFilePanelAnswer(std::string path) {
+  std::lock_guard lock(mutex_);
+  filePanelAnswer_ = std::move(path);
+}
+
+FilePanelRequest HeadlessHost::lastFilePanel() const {
+  std::lock_guard lock(mutex_);
+  return lastFilePanel_;
+}
+
+HeadlessHost::Menu* HeadlessHost::menuTitled(const std::string& title) {
+  const auto menu = std::find_if(menus_.begin(), menus_.end(), [&title](const Menu& candidate) {
+    return candidate.Title == title;
+  });
+  return menu == menus_.end() ? nullptr : &*menu;
+}
+
+std::optional<std::string>* HeadlessHost::textView(UInt8 window) {
+  if (window < PasteboardWindowNumber || window > SystemConsoleWindowNumber) return nullptr;
+  return &textViews_[window - PasteboardWindowNumber];
 }
 
 HeadlessHost::WindowState HeadlessHost::windowState(UInt8 window) const {
@@ -127,7 +206,10 @@ void HeadlessHost::setWindowContentSize(UInt8 window, Int width, Int height) {
 }
 
 void HeadlessHost::bringWindowToFront(UInt8 window) {
-  setWindowVisible(window, true);
+  std::lock_guard lock(mutex_);
+  if (window >= WindowCount) return;
+  windows_[window].Frame.Visible = true;
+  front_ = window;
 }
 
 void HeadlessHost::centerWindow(UInt8 window) {
@@ -141,6 +223,7 @@ void HeadlessHost::centerWindow(UInt8 window) {
 void HeadlessHost::setWindowVisible(UInt8 window, bool visible) {
   std::lock_guard lock(mutex_);
   if (window < WindowCount) windows_[window].Frame.Visible = visible;
+  if (window == front_ && !visible) front_ = NoWindow;
 }
 
 WindowFrame HeadlessHost::windowFrame(UInt8 window) {
@@ -180,6 +263,66 @@ std::string HeadlessHost::pasteboardText() {
 void HeadlessHost::setPasteboardText(const std::string& text) {
   std::lock_guard lock(mutex_);
   pasteboard_ = text;
+  pasteboardImage_ = {};
+}
+
+void HeadlessHost::setPasteboardImage(const t_Image& image) {
+  std::lock_guard lock(mutex_);
+  pasteboard_.clear();
+  pasteboardImage_ = image;
+}
+
+std::optional<std::vector<std::string>> HeadlessHost::menuItemTitles(const std::string& menuTitle) {
+  std::lock_guard lock(mutex_);
+  const Menu* menu = menuTitled(menuTitle);
+  if (menu == nullptr) return std::nullopt;
+  std::vector<std::string> titles;
+  for (const MenuItem& item : menu->Items) titles.push_back(item.Title);
+  return titles;
+}
+
+void HeadlessHost::deleteMenuItem(const std::string& menuTitle, Int position) {
+  std::lock_guard lock(mutex_);
+  Menu* menu = menuTitled(menuTitle);
+  if (menu == nullptr || position < 0 || position >= static_cast<Int>(menu->Items.size())) return;
+  menu->Items.erase(menu->Items.begin() + position);
+}
+
+UInt8 HeadlessHost::frontWindow() {
+  std::lock_guard lock(mutex_);
+  return front_;
+}
+
+std::string HeadlessHost::runFilePanel(const FilePanelRequest& request) {
+  std::lock_guard lock(mutex_);
+  lastFilePanel_ = request;
+  return filePanelAnswer_;
+}
+
+std::optional<std::string> HeadlessHost::textViewText(UInt8 window) {
+  std::lock_guard lock(mutex_);
+  const std::optional<std::string>* view = textView(window);
+  return view != nullptr ? *view : std::nullopt;
+}
+
+bool HeadlessHost::appendToTextView(UInt8 window, const std::string& text) {
+  std::lock_guard lock(mutex_);
+  std::optional<std::string>* view = textView(window);
+  if (view == nullptr || !*view) return false;
+  **view += text;
+  return true;
+}
+
+bool HeadlessHost::clearTextView(UInt8 window) {
+  std::lock_guard lock(mutex_);
+  std::optional<std::string>* view = textView(window);
+  if (view == nullptr || !*view) return false;
+  (*view)->clear();
+  return true;
+}
+
+void HeadlessHost::preparePasteboardView() {
+  clearTextView(PasteboardWindowNumber);
 }
 
 int runHeadless(int, char**, std::function<void()> entry) {

@@ -1,5 +1,5 @@
 // The installed host, and the host that stands in before one is installed: it has no windows,
-// no views and no sounds, so every platform request finds nothing.
+// no views, no menus, no text views and no sounds, so every platform request finds nothing.
 #include "rvtools/host.hpp"
 
 #include <stdlib.h>
@@ -35,6 +35,17 @@ class WindowlessHost final : public Host {
   void systemBeep() override {}
   std::string pasteboardText() override { return {}; }
   void setPasteboardText(const std::string&) override {}
+  void setPasteboardImage(const t_Image&) override {}
+  std::optional<std::vector<std::string>> menuItemTitles(const std::string&) override {
+    return std::nullopt;
+  }
+  void deleteMenuItem(const std::string&, Int) override {}
+  UInt8 frontWindow() override { return NoWindow; }
+  std::string runFilePanel(const FilePanelRequest&) override { return {}; }
+  std::optional<std::string> textViewText(UInt8) override { return std::nullopt; }
+  bool appendToTextView(UInt8, const std::string&) override { return false; }
+  bool clearTextView(UInt8) override { return false; }
+  void preparePasteboardView() override {}
 };
 
 Host& windowlessHost() {

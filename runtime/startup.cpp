@@ -10,6 +10,7 @@
 #include <mutex>
 #include <thread>
 
+#include "input/menus.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/host.hpp"
@@ -191,6 +192,7 @@ void t_InitMemory() {
   VideoMemory.assign(VideoMemorySize, 0xFF);
   for (t_Window& record : Windows) record = t_Window{};
   buildMenuActions();
+  scanMenus();
   MemoryInitialized = true;
   logLine("t_InitMemory: End.");
 }

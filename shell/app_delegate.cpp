@@ -1,17 +1,22 @@
 // The application delegate: builds the graphic windows and the auxiliary windows from their
-// forms, runs the launch sequence that starts the program thread, and answers the window events
-// that matter to the runtime (close boxes, resizes, activation).
+// forms, runs the launch sequence that starts the program thread, answers the window events
+// that matter to the runtime (close boxes, resizes, activation) and hands menu choices to the
+// runtime. File > Quit (Meta+Q, so that no control key is taken from the program) quits.
 #include "shell/app_delegate.hpp"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPlainTextEdit>
 
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/input.hpp"
 #include "rvtools/runtime.hpp"
+#include "shell/menu_bar.hpp"
 #include "ui_main_window.h"
 #include "ui_pasteboard_window.h"
 #include "ui_preferences_window.h"
@@ -28,6 +33,8 @@ constexpr int TextWindowMargin = 20;
 constexpr int RulerStrip = 15;
 constexpr int RulerInset = 8;
 constexpr int RulerHeight = 19;
+// Columns of the rulers above the printer's paper and the console: more than a window shows.
+constexpr int RulerColumns = 250;
 
 // A window's frame as the layout sees it: the window manager draws the title bar outside the
 // widget's geometry, so TitleBarDelta measures what the form puts above the text.
@@ -43,13 +50,12 @@ void placeScrollView(QAbstractScrollArea& scrollView, int margin, int width, int
 }  // namespace
 
 AppDelegate::AppDelegate(std::function<void()> programEntry)
-    : programEntry_(std::move(programEntry)), quitAction_(std::make_unique<QAction>("Quit")) {
+    : programEntry_(std::move(programEntry)) {
   setObjectName(QStringLiteral("AppDelegate"));
-  quitAction_->setShortcut(QKeySequence(Qt::META | Qt::Key_Q));
-  connect(quitAction_.get(), &QAction::triggered, qApp, &QCoreApplication::quit,
-          Qt::QueuedConnection);
   buildGraphicWindows();
   buildAuxiliaryWindows();
+  addMenuBars();
+  connectMenuItems();
   watchWindows();
   connect(qApp, &QGuiApplication::applicationStateChanged, this,
           [](Qt::ApplicationState state) { ApplicationActive = state == Qt::ApplicationActive; });
@@ -77,6 +83,7 @@ void AppDelegate::buildAuxiliaryWindows() {
   VirtualPrinterTextView = virtualPrinterForm_->VirtualPrinterTextView;
   VirtualPrinterScrollView = VirtualPrinterTextView;
   VirtualPrinterRuler = virtualPrinterForm_->VirtualPrinterRuler;
+  VirtualPrinterRuler->setText(columnRuler(RulerColumns));
 
   systemConsoleWindow_ = std::make_unique<QWidget>();
   systemConsoleForm_ = std::make_unique<Ui::SystemConsoleWindow>();
@@ -85,6 +92,7 @@ void AppDelegate::buildAuxiliaryWindows() {
   SystemConsoleTextView = systemConsoleForm_->SystemConsoleTextView;
   SystemConsoleScrollView = SystemConsoleTextView;
   SystemConsoleRuler = systemConsoleForm_->SystemConsoleRuler;
+  SystemConsoleRuler->setText(columnRuler(RulerColumns));
 
   pasteboardWindow_ = std::make_unique<QWidget>();
   pasteboardForm_ = std::make_unique<Ui::PasteboardWindow>();
@@ -104,11 +112,74 @@ void AppDelegate::buildAuxiliaryWindows() {
   MainWindow = mainWindow_.get();
 }
 
+// The auxiliary windows' forms place their content as if there were no bar; it moves down.
+void AppDelegate::addMenuBars() {
+  const QList<QMenu*> sharedMenus = menus();
+  for (UInt8 n = 0; n < MainWindowNumber; ++n) {
+    menuBars_[n] = sharedMenuBar(*window(n), sharedMenus);
+    if (n < 8) {
+      graphicWindows_[n]->setMenuBar(menuBars_[n].get());
+    } else {
+      makeRoomForMenuBar(*window(n), *menuBars_[n]);
+    }
+  }
+}
+
+void AppDelegate::connectMenuItems() {
+  connect(mainForm_->actionQuit, &QAction::triggered, qApp, &QCoreApplication::quit,
+          Qt::QueuedConnection);
+  for (QMenu* menu : menus()) {
+    for (QAction* item : menu->actions()) {
+      if (item->isSeparator() || item == mainForm_->actionQuit) continue;
+      connect(item, &QAction::triggered, this, [this, item] { MenuHandler(item); });
+    }
+  }
+}
+
+// Quit also belongs to every window itself, so that its key works even when a program has
+// removed it from the File menu.
 void AppDelegate::watchWindows() {
   for (UInt8 n = 0; n <= MainWindowNumber; ++n) {
     window(n)->installEventFilter(this);
-    window(n)->addAction(quitAction_.get());
+    window(n)->addAction(mainForm_->actionQuit);
   }
+}
+
+QList<QMenu*> AppDelegate::menus() const {
+  QList<QMenu*> found;
+  for (QAction* entry : mainForm_->MainMenu->actions()) {
+    if (auto* menu = entry->menu<QMenu*>()) found.append(menu);
+  }
+  return found;
+}
+
+QMenu* AppDelegate::menuTitled(const QString& title) const {
+  for (QAction* entry : mainForm_->MainMenu->actions()) {
+    auto* menu = entry->menu<QMenu*>();
+    if (menu != nullptr && entry->text() == title) return menu;
+  }
+  return nullptr;
+}
+
+QPlainTextEdit* AppDelegate::textView(UInt8 number) const {
+  switch (number) {
+    case PasteboardWindowNumber:
+      return PasteboardTextView;
+    case VirtualPrinterWindowNumber:
+      return VirtualPrinterTextView;
+    case SystemConsoleWindowNumber:
+      return SystemConsoleTextView;
+    default:
+      return nullptr;
+  }
+}
+
+void AppDelegate::MenuHandler(QAction* sender) {
+  const QMenu* holder = nullptr;
+  for (const QMenu* menu : menus()) {
+    if (menu->actions().contains(sender)) holder = menu;
+  }
+  t_MenuEventHandler(menuItemOf(*sender, holder));
 }
 
 std::array<GraphicView*, 8> AppDelegate::views() const {
@@ -218,7 +289,13 @@ bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
     event->ignore();
     return true;
   }
-  if (event->type() == QEvent::Resize) windowDidResize();
+  if (event->type() == QEvent::Resize) {
+    const UInt8 number = windowNumber(window);
+    if (number >= 8 && number < MainWindowNumber) {
+      menuBars_[number]->resize(window->width(), menuBars_[number]->height());
+    }
+    windowDidResize();
+  }
   return false;
 }
 

@@ -1,7 +1,8 @@
 // Internal: the application delegate. It owns every window of the interface and holds the 21
 // outlets under their own names, runs the launch sequence, maps platform windows to window
-// numbers, lays out the auxiliary windows when they are resized, and reports close boxes of the
-// graphic windows to the runtime.
+// numbers, lays out the auxiliary windows when they are resized, reports close boxes of the
+// graphic windows to the runtime, and passes menu choices on. The menus are those of the main
+// window's form; every other window shows them in a menu bar of its own.
 #pragma once
 
 #include <QMainWindow>
@@ -11,12 +12,15 @@
 #include <functional>
 #include <memory>
 
+#include "rvtools/host.hpp"
 #include "rvtools/types.hpp"
 #include "shell/graphic_window.hpp"
 
 class QAbstractScrollArea;
 class QAction;
 class QLabel;
+class QMenu;
+class QMenuBar;
 class QPlainTextEdit;
 
 namespace Ui {
@@ -48,6 +52,14 @@ class AppDelegate final : public QObject {
   // Lays out the auxiliary window that is the application's active window.
   void windowDidResize();
 
+  // The menus of the main menu, in order, and the one of that title (null when none).
+  QList<QMenu*> menus() const;
+  QMenu* menuTitled(const QString& title) const;
+  // The text view of window 8, 9 or 10, or null.
+  QPlainTextEdit* textView(UInt8 number) const;
+  // A menu item was chosen: passes it to the runtime's menu handler.
+  void MenuHandler(QAction* sender);
+
   // The outlets: filled when the windows are built, never replaced.
   GraphicView* t_View00 = nullptr;
   GraphicView* t_View01 = nullptr;
@@ -78,12 +90,13 @@ class AppDelegate final : public QObject {
   void buildGraphicWindows();
   void buildAuxiliaryWindows();
   void watchWindows();
+  void addMenuBars();
+  void connectMenuItems();
   // The close box of a window: a graphic window reports it and stays; others just hide.
   bool windowShouldClose(QWidget* window);
   std::array<GraphicView*, 8> views() const;
 
   std::function<void()> programEntry_;
-  std::unique_ptr<QAction> quitAction_;
   std::array<std::unique_ptr<GraphicWindow>, 8> graphicWindows_;
   std::unique_ptr<QWidget> virtualPrinterWindow_, systemConsoleWindow_, pasteboardWindow_,
       preferencesWindow_;
@@ -93,6 +106,8 @@ class AppDelegate final : public QObject {
   std::unique_ptr<Ui::PasteboardWindow> pasteboardForm_;
   std::unique_ptr<Ui::PreferencesWindow> preferencesForm_;
   std::unique_ptr<Ui::MainWindow> mainForm_;
+  // Windows 0..11; the main window has the bar of its form. Destroyed before the windows.
+  std::array<std::unique_ptr<QMenuBar>, MainWindowNumber> menuBars_;
 };
 
 }  // namespace rvtools::shell

@@ -5,6 +5,7 @@
 #include "shell/graphic_window.hpp"
 
 #include <QKeyEvent>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -112,14 +113,32 @@ PictureGeometry GraphicWindow::recordGeometry() const {
   return {record.Width, record.Height, record.BorderWidth, record.BorderHeight};
 }
 
+void GraphicWindow::setMenuBar(QMenuBar* menuBar) {
+  menuBar_ = menuBar;
+  placeView();
+}
+
+int GraphicWindow::menuBarHeight() const {
+  return menuBar_ != nullptr ? menuBar_->sizeHint().height() : 0;
+}
+
+void GraphicWindow::resizeContent(int width, int height) {
+  resize(width, height + menuBarHeight());
+}
+
 void GraphicWindow::placeView() {
-  layout_ = layoutPicture(size(), devicePixelRatioF(), recordGeometry());
-  if (view_.geometry() != layout_.View) view_.setGeometry(layout_.View);
+  const int top = menuBarHeight();
+  if (menuBar_ != nullptr) menuBar_->setGeometry(0, 0, width(), top);
+  layout_ = layoutPicture(size() - QSize(0, top), devicePixelRatioF(), recordGeometry());
+  const QRect viewGeometry = layout_.View.translated(0, top);
+  if (view_.geometry() != viewGeometry) view_.setGeometry(viewGeometry);
 }
 
 void GraphicWindow::reportMouseDown(const QMouseEvent& event, bool inView) {
   if (!isReportedButton(event.button())) return;
-  const QPointF windowPoint = inView ? event.position() + QPointF(view_.pos()) : event.position();
+  const QPointF contentOrigin(0, menuBarHeight());
+  const QPointF windowPoint =
+      (inView ? event.position() + QPointF(view_.pos()) : event.position()) - contentOrigin;
   const QPointF position = layout_.windowCoordinates(windowPoint);
   const t_MouseClick click{buttonsOf(event.buttons() | event.button()),
                            modifierFlagsOf(event.modifiers())};

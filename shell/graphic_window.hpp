@@ -1,6 +1,7 @@
 // Internal: a graphic window and its view. The window is a top-level widget whose background,
 // painted in the border colour, frames the view; the view shows the window's picture scaled
-// crisply and turns keys and clicks into the runtime's input events.
+// crisply and turns keys and clicks into the runtime's input events. A menu bar may sit above the
+// content; the content (border and picture) is the rest of the window.
 #pragma once
 
 #include <QImage>
@@ -8,6 +9,8 @@
 
 #include "rvtools/types.hpp"
 #include "shell/picture_layout.hpp"
+
+class QMenuBar;
 
 namespace rvtools::shell {
 
@@ -42,6 +45,11 @@ class GraphicWindow final : public QWidget {
   explicit GraphicWindow(UInt8 window);
 
   GraphicView& view() { return view_; }
+  // Puts `menuBar` (a child of this window) above the content.
+  void setMenuBar(QMenuBar* menuBar);
+  int menuBarHeight() const;
+  // Resizes the window so that its content is width x height.
+  void resizeContent(int width, int height);
   // Places the view for the window's current size and its record's size and border.
   void placeView();
   // A button press in the view or, outside it, in the border.
@@ -57,7 +65,8 @@ class GraphicWindow final : public QWidget {
 
   UInt8 window_;
   GraphicView view_;
-  PictureLayout layout_;
+  PictureLayout layout_;  // within the content, below the menu bar
+  QMenuBar* menuBar_ = nullptr;
 };
 
 }  // namespace rvtools::shell

@@ -1,12 +1,19 @@
 // The host on Qt: window lookup, frames, visibility, the border colour, the screen, the
-// pasteboard, sounds and the bundle path, each carried to the GUI thread.
+// pasteboard, menus, file panels, the auxiliary text views, sounds and the bundle path, each
+// carried to the GUI thread.
 #include "shell/qt_host.hpp"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QImage>
+#include <QMenu>
 #include <QScreen>
 #include <QThread>
 #include <algorithm>
+
+#include "rvtools/display.hpp"
 
 namespace rvtools::shell {
 namespace {
@@ -30,6 +37,31 @@ std::string bundleAroundExecutable() {
   const QString contents = QStringLiteral("/Contents/MacOS");
   if (folder.size() > contents.size() && folder.endsWith(contents)) folder.chop(contents.size());
   return folder.toStdString();
+}
+
+// The pasteboard's text view shows text as it is, in a fixed-pitch font of 12 points.
+constexpr int PasteboardFontSize = 12;
+
+// A file dialog's filter for types such as "txt,png": "Files (*.txt *.png)"; empty for all.
+QString fileFilter(const std::string& fileTypes) {
+  QStringList patterns;
+  for (const QString& type : QString::fromStdString(fileTypes).split(',', Qt::SkipEmptyParts)) {
+    patterns.append("*." + type.trimmed());
+  }
+  return patterns.isEmpty() ? QString() : "Files (" + patterns.join(' ') + ")";
+}
+
+QImage imageOf(const t_Image& picture) {
+  QImage image(static_cast<int>(picture.Width), static_cast<int>(picture.Height),
+               QImage::Format_ARGB32);
+  const UInt8* pixel = picture.Pixels.data();
+  for (int y = 0; y < image.height(); ++y) {
+    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int x = 0; x < image.width(); ++x, pixel += 4) {
+      line[x] = qRgba(pixel[1], pixel[2], pixel[3], pixel[0]);
+    }
+  }
+  return image;
 }
 
 }  // namespace
@@ -106,9 +138,14 @@ void QtHost::setWindowPosition(UInt8 window, Int x, Int y) {
 
 void QtHost::setWindowContentSize(UInt8 window, Int width, Int height) {
   onWindow(window, [window, width, height](QWidget& target) {
-    target.resize(clampedExtent(width), clampedExtent(height));
+    if (window >= 8) {
+      target.resize(clampedExtent(width), clampedExtent(height));
+      return;
+    }
+    auto& graphicWindow = static_cast<GraphicWindow&>(target);
+    graphicWindow.resizeContent(clampedExtent(width), clampedExtent(height));
     // A hidden window gets no resize event; its view is placed for the new size at once.
-    if (window < 8) static_cast<GraphicWindow&>(target).placeView();
+    graphicWindow.placeView();
   });
 }
 
@@ -183,6 +220,106 @@ std::string QtHost::pasteboardText() {
 void QtHost::setPasteboardText(const std::string& text) {
   runOnInterfaceThread(
       [&] { QGuiApplication::clipboard()->setText(QString::fromStdString(text)); });
+}
+
+void QtHost::setPasteboardImage(const t_Image& image) {
+  const bool complete =
+      image.Width > 0 && image.Height > 0 &&
+      image.Pixels.size() == static_cast<std::size_t>(image.Width * image.Height * 4);
+  if (!complete) return;
+  runOnInterfaceThread([&] {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->clear();
+    clipboard->setImage(imageOf(image));
+  });
+}
+
+std::optional<std::vector<std::string>> QtHost::menuItemTitles(const std::string& menuTitle) {
+  std::optional<std::vector<std::string>> titles;
+  runOnInterfaceThread([&] {
+    const QMenu* menu = delegate_.menuTitled(QString::fromStdString(menuTitle));
+    if (menu == nullptr) return;
+    titles.emplace();
+    for (const QAction* item : menu->actions()) titles->push_back(item->text().toStdString());
+  });
+  return titles;
+}
+
+void QtHost::deleteMenuItem(const std::string& menuTitle, Int position) {
+  runOnInterfaceThread([&] {
+    QMenu* menu = delegate_.menuTitled(QString::fromStdString(menuTitle));
+    if (menu == nullptr) return;
+    const QList<QAction*> items = menu->actions();
+    if (position >= 0 && position < items.size()) menu->removeAction(items[position]);
+  });
+}
+
+UInt8 QtHost::frontWindow() {
+  UInt8 front = NoWindow;
+  runOnInterfaceThread([&] { front = delegate_.windowNumber(QApplication::activeWindow()); });
+  return front;
+}
+
+std::string QtHost::runFilePanel(const FilePanelRequest& request) {
+  QString path;
+  runOnInterfaceThread([&] {
+    QFileDialog panel(QApplication::activeWindow(), QString::fromStdString(request.Title),
+                      QString::fromStdString(request.FileName), fileFilter(request.FileTypes));
+    panel.setAcceptMode(request.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    panel.setFileMode(request.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    if (!request.Note.empty())
+      panel.setLabelText(QFileDialog::LookIn, QString::fromStdString(request.Note));
+    if (panel.exec() == QDialog::Accepted && !panel.selectedFiles().isEmpty()) {
+      path = panel.selectedFiles().first();
+    }
+  });
+  return path.toStdString();
+}
+
+bool QtHost::onTextView(UInt8 window, const std::function<void(QPlainTextEdit&)>& work) {
+  bool found = false;
+  runOnInterfaceThread([&] {
+    QPlainTextEdit* view = delegate_.textView(window);
+    if (view == nullptr) return;
+    found = true;
+    work(*view);
+  });
+  return found;
+}
+
+std::optional<std::string> QtHost::textViewText(UInt8 window) {
+  std::string text;
+  if (!onTextView(window, [&](QPlainTextEdit& view) { text = view.toPlainText().toStdString(); })) {
+    return std::nullopt;
+  }
+  return text;
+}
+
+bool QtHost::appendToTextView(UInt8 window, const std::string& text) {
+  return onTextView(window, [&](QPlainTextEdit& view) {
+    view.moveCursor(QTextCursor::End);
+    view.insertPlainText(QString::fromStdString(text));
+    view.ensureCursorVisible();
+  });
+}
+
+bool QtHost::clearTextView(UInt8 window) {
+  return onTextView(window, [](QPlainTextEdit& view) {
+    view.clear();
+    view.viewport()->update();
+  });
+}
+
+// A plain-text view substitutes nothing and detects no links, so only the font and the text
+// need setting.
+void QtHost::preparePasteboardView() {
+  onTextView(PasteboardWindowNumber, [](QPlainTextEdit& view) {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSize(PasteboardFontSize);
+    view.setFont(font);
+    view.clear();
+    view.viewport()->update();
+  });
 }
 
 }  // namespace rvtools::shell

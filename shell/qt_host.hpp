@@ -1,8 +1,9 @@
 // Internal: the host on Qt. Platform work runs on the GUI thread: directly when the caller is
-// there, else by a blocking queued call. Windows and views are those of the application
-// delegate; sounds come from the bundle's resources.
+// there, else by a blocking queued call. Windows, views, menus and text views are those of the
+// application delegate; sounds come from the bundle's resources.
 #pragma once
 
+#include <QPlainTextEdit>
 #include <memory>
 
 #include "rvtools/host.hpp"
@@ -36,10 +37,21 @@ class QtHost final : public Host {
   void systemBeep() override;
   std::string pasteboardText() override;
   void setPasteboardText(const std::string& text) override;
+  void setPasteboardImage(const t_Image& image) override;
+  std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
+  void deleteMenuItem(const std::string& menuTitle, Int position) override;
+  UInt8 frontWindow() override;
+  std::string runFilePanel(const FilePanelRequest& request) override;
+  std::optional<std::string> textViewText(UInt8 window) override;
+  bool appendToTextView(UInt8 window, const std::string& text) override;
+  bool clearTextView(UInt8 window) override;
+  void preparePasteboardView() override;
 
  private:
   // Runs `work` on the window of number `window` on the GUI thread, if there is that window.
   void onWindow(UInt8 window, const std::function<void(QWidget&)>& work);
+  // Runs `work` on the text view of window 8, 9 or 10 on the GUI thread; false without one.
+  bool onTextView(UInt8 window, const std::function<void(QPlainTextEdit&)>& work);
 
   AppDelegate& delegate_;
   std::string bundlePath_;

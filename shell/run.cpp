@@ -1,18 +1,52 @@
 // The main of a desktop program: the application object, the delegate with all windows, the Qt
 // host, the launch sequence inside the event loop, and an exit that does not wait for the
-// program thread.
+// program thread. Without a display it says so and ends before Qt is started.
 #include <QApplication>
 #include <QTimer>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
 
 #include "rvtools/shell.hpp"
 #include "shell/app_delegate.hpp"
 #include "shell/qt_host.hpp"
 
 namespace rvtools {
+namespace {
+
+// Qt finds its display through these; without any of them it could only abort.
+bool displayIsNamed() {
+  for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    const char* value = std::getenv(variable);
+    if (value != nullptr && *value != '\0') return true;
+  }
+  return false;
+}
+
+// The name of the bundle <Name>.app around the executable (<Name>.app/Contents/MacOS/program),
+// or the executable's own name when it lies in no bundle.
+std::string programName(const char* invokedAs) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  fs::path executable = fs::read_symlink("/proc/self/exe", error);
+  if (error) executable = invokedAs != nullptr ? invokedAs : "";
+  const fs::path folder = executable.parent_path();
+  const fs::path bundle = folder.parent_path().parent_path();
+  const bool inBundle = folder.filename() == "MacOS" &&
+                        folder.parent_path().filename() == "Contents" &&
+                        bundle.extension() == ".app";
+  return (inBundle ? bundle.stem() : executable.filename()).string();
+}
+
+}  // namespace
 
 int run(int argc, char** argv, std::function<void()> entry) {
+  if (!displayIsNamed()) {
+    std::fprintf(stderr, "%s needs a graphical display: set DISPLAY or run it under Xvfb.\n",
+                 programName(argc > 0 ? argv[0] : nullptr).c_str());
+    return 1;
+  }
   // The application, the delegate and the host live until the process ends.
   static int argumentCount = argc;
   static auto* application = new QApplication(argumentCount, argv);

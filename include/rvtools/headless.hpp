@@ -2,12 +2,14 @@
 //
 // It keeps eight off-screen views: asking a view to redraw composes the window's image into
 // that view's buffer at once, on the calling thread. Window frames, titles, border colours and
-// sounds are recorded so that a caller can look at them.
+// sounds are recorded so that a caller can look at them. It keeps the English menu set of the
+// desktop host in memory and the texts of the pasteboard, virtual printer and system console.
 #pragma once
 
 #include <array>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,30 @@ class HeadlessHost : public Host {
     int Redraws = 0;           // images composed for the view
     std::vector<UInt8> Image;  // the last composed image, bytes A, R, G, B
   };
+
+  // A menu of the main menu and its items; a separator has an empty title and tag 0.
+  struct MenuItem {
+    std::string Title;
+    Int Tag = 0;
+    friend bool operator==(const MenuItem&, const MenuItem&) = default;
+  };
+  struct Menu {
+    std::string Title;
+    std::vector<MenuItem> Items;
+    friend bool operator==(const Menu&, const Menu&) = default;
+  };
+  // The menus of the desktop host: File, Edit, Window and the program's own.
+  static std::vector<Menu> englishMenus();
+  std::vector<Menu> menus() const;
+  void setMenus(std::vector<Menu> menus);
+
+  // Takes the text view of window 8, 9 or 10 away (or gives it back, empty).
+  void setTextViewPresent(UInt8 window, bool present);
+  // The picture last put on the pasteboard; empty after text was put there.
+  t_Image pasteboardImage() const;
+  // The path that the next file panels answer, and the panel last shown.
+  void setFilePanelAnswer(std::string path);
+  FilePanelRequest lastFilePanel() const;
 
   // A copy of what the host holds for a window; an empty record for numbers above 12.
   WindowState windowState(UInt8 window) const;
@@ -60,13 +86,31 @@ class HeadlessHost : public Host {
   void systemBeep() override;
   std::string pasteboardText() override;
   void setPasteboardText(const std::string& text) override;
+  void setPasteboardImage(const t_Image& image) override;
+  std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
+  void deleteMenuItem(const std::string& menuTitle, Int position) override;
+  UInt8 frontWindow() override;
+  std::string runFilePanel(const FilePanelRequest& request) override;
+  std::optional<std::string> textViewText(UInt8 window) override;
+  bool appendToTextView(UInt8 window, const std::string& text) override;
+  bool clearTextView(UInt8 window) override;
+  void preparePasteboardView() override;
 
  private:
+  Menu* menuTitled(const std::string& title);
+  std::optional<std::string>* textView(UInt8 window);
+
   static constexpr int WindowCount = 13;
   mutable std::recursive_mutex mutex_;
   std::array<WindowState, WindowCount> windows_;
   std::string bundlePath_;
   std::string pasteboard_;
+  t_Image pasteboardImage_;
+  std::vector<Menu> menus_ = englishMenus();
+  std::array<std::optional<std::string>, 3> textViews_{"", "", ""};  // windows 8, 9, 10
+  UInt8 front_ = NoWindow;
+  std::string filePanelAnswer_;
+  FilePanelRequest lastFilePanel_;
   int beeps_ = 0;
   int clicks_ = 0;
 };

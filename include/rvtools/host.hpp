@@ -9,7 +9,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "rvtools/types.hpp"
 
@@ -39,6 +41,17 @@ struct ScreenSize {
 };
 
 enum class Sound { Click, Beep };
+
+struct t_Image;
+
+// What an open or save panel shows, and the file types it accepts ("txt,png"; empty for all).
+struct FilePanelRequest {
+  bool Save = false;
+  std::string Title;
+  std::string Note;
+  std::string FileName;
+  std::string FileTypes;
+};
 
 class Host {
  public:
@@ -73,9 +86,28 @@ class Host {
   virtual bool playSound(Sound sound) = 0;
   virtual void systemBeep() = 0;
 
-  // The general pasteboard's plain text.
+  // The general pasteboard: its plain text, or a picture (the pasteboard is cleared first).
   virtual std::string pasteboardText() = 0;
   virtual void setPasteboardText(const std::string& text) = 0;
+  virtual void setPasteboardImage(const t_Image& image) = 0;
+
+  // The main menu: the item titles of the menu of that title (a separator's title is empty),
+  // nothing when there is no such menu; and the removal of the item at a valid position.
+  virtual std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) = 0;
+  virtual void deleteMenuItem(const std::string& menuTitle, Int position) = 0;
+  // The number of the window in front, 0..12, or NoWindow.
+  virtual UInt8 frontWindow() = 0;
+  // Runs an open or save panel; the chosen path, empty when the user cancels.
+  virtual std::string runFilePanel(const FilePanelRequest& request) = 0;
+
+  // The text views of windows 8 (pasteboard), 9 (virtual printer) and 10 (system console):
+  // the text, appending to it and emptying it. Nothing or false when the view is missing.
+  virtual std::optional<std::string> textViewText(UInt8 window) = 0;
+  virtual bool appendToTextView(UInt8 window, const std::string& text) = 0;
+  virtual bool clearTextView(UInt8 window) = 0;
+  // Empties the pasteboard window's text view and gives it a fixed-pitch font and plain input
+  // (no substitution of quotes, dashes or text, no link detection).
+  virtual void preparePasteboardView() = 0;
 
   // The absolute clock in seconds since 1 January 2001, and the cryptographic random source.
   virtual double absoluteTime();

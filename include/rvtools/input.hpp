@@ -3,8 +3,10 @@
 // Views turn key presses and clicks into `t_Event` records on the global queues (runtime.hpp);
 // the program thread waits for keys with `t_GetKey` and edits lines with `t_InputForm`.
 // Handlers that the program installs run on worker threads after each click or menu choice.
+// Menu choices either run one of the runtime's own actions or go to the program.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -69,5 +71,34 @@ void t_MouseEventPostCloseBoxClick(UInt8 window);
 void t_SetMouseHandler(std::function<void()> handler);
 // Takes the oldest mouse event off MouseEventQueue, if there is one.
 std::optional<t_Event> t_TakeMouseEvent();
+
+// ---------------------------------------------------------------------------------------------
+// Menus (menus by title, item positions from 0; 65535 stands for the last item)
+
+Int t_MenuItemIndex(const std::string& menuTitle, const std::string& itemTitle);  // -1, -2 none
+void t_MenuItemDelete(const std::string& menuTitle, Int position);        // removes one item
+std::string t_MenuItemTitle(const std::string& menuTitle, Int position);  // "" when none
+
+// A chosen menu item as the shell describes it.
+struct t_MenuItem {
+  bool InMenu = true;  // false for an item that belongs to no menu
+  std::string MenuTitle;
+  std::string ItemTitle;
+  std::string KeyChar;        // the key equivalent as text, "" for none
+  std::uint64_t KeyMods = 0;  // its modifier flags, bits 16 to 23
+  Int KeyAsc = 0;             // the key equivalent's character code
+  Int Tag = 0;
+};
+
+// A menu choice, on the interface thread: queues a t_MenuEvent and either runs the built-in
+// action of its tag (MenuActions) or starts the program's menu handler on a worker.
+void t_MenuEventHandler(const t_MenuItem& item);
+
+// Installs the program's menu handler, started on a worker after every choice for the program.
+void t_SetMenuHandler(std::function<void()> handler);
+// Takes the oldest menu event off MenuEventQueue, if there is one.
+std::optional<t_MenuEvent> t_TakeMenuEvent();
+// Installs the handler of the Paste item for a graphic window in front; t_Beep until then.
+void t_SetPasteHandler(std::function<void()> handler);
 
 }  // namespace rvtools

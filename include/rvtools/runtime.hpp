@@ -163,4 +163,15 @@ std::string RealToText(double value);  // shortest form, decimal comma
 std::string ByteToHex(UInt8 value);    // two upper-case digits
 std::string HexText(Int value);        // eight upper-case digits, low 32 bits
 
+// ---------------------------------------------------------------------------------------------
+// Auxiliary windows and files
+
+void t_PrinterPrint(const std::string& text);  // appends to the virtual printer's paper
+void t_ConsolePrint(const std::string& text);  // appends to the system console
+void t_PrinterClear();                         // empties the virtual printer
+void t_ConsoleClear();                         // empties the system console
+std::string t_PasteboardText();                // the general pasteboard's plain text
+void t_SetPasteboardText(const std::string& text);
+std::vector<UInt8> t_ReadFile(const std::string& path);  // the whole file; empty on failure
+
 }  // namespace rvtools

@@ -36,6 +36,7 @@ void ShellTest::SetUp() {
   MemoryInitialized = false;
   EventQueue.clear();
   MouseEventQueue.clear();
+  MenuEventQueue.clear();
   t_InitMemory();
   std::lock_guard lock(logMutex);
   capturedLog.clear();

@@ -47,17 +47,21 @@ TEST_F(ViewTest, ClicksAddressPicturePixelsAtEveryScale) {
   };
   using Position = std::pair<Int, Int>;
 
-  // A click at the window's point (8, 8) lands in the view's top-left corner.
-  EXPECT_EQ(clickPosition(window, {8, 8}, Qt::LeftButton), Position(0, 0));
+  // Points of the window's content count from its top left, below the menu bar.
+  const int top = window.menuBarHeight();
+  auto at = [top](int x, int y) { return QPoint(x, y + top); };
+
+  // A click at the content's point (8, 8) lands in the view's top-left corner.
+  EXPECT_EQ(clickPosition(window, at(8, 8), Qt::LeftButton), Position(0, 0));
   EXPECT_EQ(clickPosition(window.view(), {63, 47}, Qt::LeftButton), Position(63, 47));
-  EXPECT_EQ(clickPosition(window, {3, 20}, Qt::LeftButton), Position(-1, 12));
-  EXPECT_EQ(clickPosition(window, {75, 20}, Qt::LeftButton), Position(-2, 12));
-  EXPECT_EQ(clickPosition(window, {20, 60}, Qt::RightButton), Position(12, -2));
+  EXPECT_EQ(clickPosition(window, at(3, 20), Qt::LeftButton), Position(-1, 12));
+  EXPECT_EQ(clickPosition(window, at(75, 20), Qt::LeftButton), Position(-2, 12));
+  EXPECT_EQ(clickPosition(window, at(20, 60), Qt::RightButton), Position(12, -2));
 
   // 170 x 140 holds the 80 x 64 content twice, centred 5 and 6 pixels in.
-  window.resize(170, 140);
+  window.resizeContent(170, 140);
   EXPECT_EQ(clickPosition(window.view(), {10, 21}, Qt::LeftButton), Position(5, 10));
-  EXPECT_EQ(clickPosition(window, {5 + 2 * 72, 30}, Qt::LeftButton), Position(-2, 4));
+  EXPECT_EQ(clickPosition(window, at(5 + 2 * 72, 30), Qt::LeftButton), Position(-2, 4));
 
   std::vector<std::string> lines = logLines();
   std::erase_if(lines, [](const std::string& line) { return !line.starts_with("t_Mouse"); });
@@ -97,8 +101,9 @@ TEST_F(ViewTest, RefreshDrawsThePictureScaledCrisply) {
   EXPECT_LT(Clock::now() - shown, std::chrono::milliseconds(250));
 
   shell::GraphicWindow& window = graphicWindow(3);
-  window.resize(170, 140);
-  const QImage image = window.grab().toImage();
+  window.resizeContent(170, 140);
+  const int top = window.menuBarHeight();
+  const QImage image = window.grab(QRect(0, top, 170, 140)).toImage();
   const QColor border(PaletteRed[5], PaletteGreen[5], PaletteBlue[5]);
   EXPECT_EQ(image.pixelColor(2, 2), border);
   EXPECT_EQ(image.pixelColor(5 + 15, 6 + 20), border);

@@ -1,0 +1,290 @@
+// Menus: inspecting and trimming the main menu by title, the start-up scan that removes the
+// platform's own items, and menu choices. A choice whose tag is in MenuActions runs a built-in
+// action (windows shown or hidden, copies to the pasteboard, the text windows cleared, file
+// panels); any other choice starts the program's menu handler. Every choice is queued for the
+// program. Depends on the host for the menus, the front window, the pasteboard and the panels.
+#include "input/menus.hpp"
+
+#include <algorithm>
+#include <mutex>
+
+#include "runtime/aux_windows.hpp"
+#include "runtime/log.hpp"
+#include "rvtools/display.hpp"
+#include "rvtools/host.hpp"
+#include "rvtools/input.hpp"
+#include "rvtools/runtime.hpp"
+
+namespace rvtools {
+namespace {
+
+constexpr Int LastItem = 65535;
+constexpr Int OpenPanelAction = 100;
+constexpr Int SavePanelAction = 101;
+constexpr Int FirstGraphicWindowAction = 213;
+constexpr Int LastGraphicWindowAction = 228;
+
+// Items that the platform puts into the Edit and Window menus, in English and in German.
+constexpr const char* PlatformEditItems[] = {"Special Characters…", "Emoji & Symbols",
+                                             "Emoji & Symbole", "Start Dictation…",
+                                             "Diktat starten …"};
+constexpr const char* PlatformWindowItems[] = {"Tile Window to Left of Screen",
+                                               "Tile Window to Right of Screen", "Vollbildmodus"};
+
+// The handlers are replaced by the program thread while the interface thread and workers read
+// them, so they sit behind a lock.
+std::mutex& handlerMutex() {
+  static auto* mutex = new std::mutex;
+  return *mutex;
+}
+
+std::function<void()>& ProgramMenuHandler() {
+  static auto* handler = new std::function<void()>([] {});
+  return *handler;
+}
+
+std::function<void()>& ProgramPasteHandler() {
+  static auto* handler = new std::function<void()>(t_Beep);
+  return *handler;
+}
+
+std::function<void()> currentHandler(std::function<void()>& handler) {
+  std::lock_guard lock(handlerMutex());
+  return handler;
+}
+
+// The position an operation means: 65535 is the last item of a menu that has one.
+Int resolvedPosition(Int position, std::size_t count) {
+  return position == LastItem && count > 0 ? static_cast<Int>(count) - 1 : position;
+}
+
+bool inRange(Int position, std::size_t count) {
+  return position >= 0 && position < static_cast<Int>(count);
+}
+
+void deleteItemTitled(const std::string& menuTitle, const std::string& itemTitle) {
+  const Int index = t_MenuItemIndex(menuTitle, itemTitle);
+  if (index >= 0) t_MenuItemDelete(menuTitle, index);
+}
+
+// A missing menu yields an empty title, which is taken for a separator as well.
+void deleteTrailingSeparator(const std::string& menuTitle) {
+  if (t_MenuItemTitle(menuTitle, LastItem).empty()) t_MenuItemDelete(menuTitle, LastItem);
+}
+
+void deleteWindowItem(const std::string& menuTitle, const std::string& itemTitle) {
+  const Int index = t_MenuItemIndex(menuTitle, itemTitle);
+  if (index < 0) return;
+  logLine("*** Found ", menuTitle, " Menu Item ", itemTitle);
+  t_MenuItemDelete(menuTitle, index);
+}
+
+t_MenuEvent menuEvent(const t_MenuItem& item) {
+  t_MenuEvent event;
+  event.Time = static_cast<Int>(host().absoluteTime() * 1000.0);
+  if (!item.InMenu) return event;
+  event.Kind = 3;
+  event.MenuTitle = item.MenuTitle;
+  event.ItemTitle = item.ItemTitle;
+  event.ItemKeyChar = item.KeyChar;
+  event.ItemKeyMods = item.KeyMods;
+  event.ItemKeyAsc = item.KeyAsc;
+  event.ItemAction = item.Tag;
+  return event;
+}
+
+// The index of the first MenuActions entry serving `tag`.
+std::optional<std::size_t> menuActionIndex(Int tag) {
+  if (tag == 0) return std::nullopt;
+  const auto entry = std::find_if(MenuActions.begin(), MenuActions.end(),
+                                  [tag](const t_MenuAction& action) { return action.Tag == tag; });
+  if (entry == MenuActions.end()) return std::nullopt;
+  return static_cast<std::size_t>(entry - MenuActions.begin());
+}
+
+void runFilePanel(t_MenuAction& entry, bool save) {
+  const std::string path =
+      host().runFilePanel({save, entry.Title, entry.Note, entry.FileName, entry.FileTypes});
+  if (path.empty()) return;
+  entry.FilePath = path;
+  entry.FileName = path.substr(path.rfind('/') + 1);
+}
+
+void copyFrontPicture() {
+  const UInt8 front = host().frontWindow();
+  std::optional<t_Image> picture;
+  if (front < 8 && host().viewHandle(front) != nullptr) picture = t_WindowImage(front);
+  if (picture) {
+    host().setPasteboardImage(*picture);
+  } else {
+    t_Beep();
+  }
+}
+
+void copyFrontText() {
+  const UInt8 front = host().frontWindow();
+  std::optional<std::string> text;
+  if (front < 8) {
+    text = t_GetScreen(front, "\r");
+  } else if (front == VirtualPrinterWindowNumber || front == SystemConsoleWindowNumber) {
+    text = textWindowText("t_MenuEventHandler", front);
+  }
+  if (text) host().setPasteboardText(*text);
+}
+
+void pasteIntoFrontWindow() {
+  if (host().frontWindow() < 8) {
+    currentHandler(ProgramPasteHandler())();
+  } else {
+    t_Beep();
+  }
+}
+
+void hideFrontWindow() {
+  const UInt8 front = host().frontWindow();
+  if (front != NoWindow) t_WindowVisible(front, false);
+}
+
+void showOrHide(UInt8 window, bool show) {
+  if (show) {
+    t_WindowFront(window);
+  } else {
+    t_WindowVisible(window, false);
+  }
+}
+
+void showOrHideGraphicWindow(Int action) {
+  const Int offset = action - FirstGraphicWindowAction;
+  const auto window = static_cast<UInt8>(offset / 2);
+  if (!MemoryInitialized || !Windows[window].Initialized) {
+    logLine("t_MenuEventHandler: Window #", window, " not initialized.");
+    t_Beep();
+    return;
+  }
+  showOrHide(window, offset % 2 == 0);
+}
+
+void runMenuAction(t_MenuAction& entry) {
+  const Int action = entry.Action;
+  if (action >= FirstGraphicWindowAction && action <= LastGraphicWindowAction) {
+    showOrHideGraphicWindow(action);
+    return;
+  }
+  switch (action) {
+    case OpenPanelAction:
+    case SavePanelAction:
+      return runFilePanel(entry, action == SavePanelAction);
+    case 110:
+      return copyFrontPicture();
+    case 111:
+      return copyFrontText();
+    case 112:
+      return clearTextWindow("t_MenuEventHandler", VirtualPrinterWindowNumber);
+    case 113:
+      return pasteIntoFrontWindow();
+    case 114:
+      return clearTextWindow("t_MenuEventHandler", SystemConsoleWindowNumber);
+    case 200:
+      for (UInt8 window = 0; window <= PreferencesWindowNumber; ++window) {
+        t_WindowVisible(window, false);
+      }
+      return;
+    case 201:
+      return hideFrontWindow();
+    case 205:
+    case 206:
+      return showOrHide(MainWindowNumber, action == 205);
+    case 207:
+    case 208:
+      return showOrHide(PreferencesWindowNumber, action == 207);
+    case 209:
+    case 210:
+      return showOrHide(VirtualPrinterWindowNumber, action == 209);
+    case 211:
+    case 212:
+      return showOrHide(PasteboardWindowNumber, action == 211);
+    case 229:
+    case 230:
+      return showOrHide(SystemConsoleWindowNumber, action == 229);
+    default:
+      return;
+  }
+}
+
+}  // namespace
+
+Int t_MenuItemIndex(const std::string& menuTitle, const std::string& itemTitle) {
+  const std::optional<std::vector<std::string>> titles = host().menuItemTitles(menuTitle);
+  if (!titles) {
+    logLine("t_MenuItemIndex: Menu not found.");
+    return -2;
+  }
+  const auto item = std::find(titles->begin(), titles->end(), itemTitle);
+  return item == titles->end() ? -1 : static_cast<Int>(item - titles->begin());
+}
+
+void t_MenuItemDelete(const std::string& menuTitle, Int position) {
+  const std::optional<std::vector<std::string>> titles = host().menuItemTitles(menuTitle);
+  if (!titles) {
+    logLine("t_MenuItemDelete: Menu not found.");
+    return;
+  }
+  position = resolvedPosition(position, titles->size());
+  if (!inRange(position, titles->size())) {
+    logLine("t_MenuItemDelete: Item position out of range");
+    return;
+  }
+  host().deleteMenuItem(menuTitle, position);
+}
+
+std::string t_MenuItemTitle(const std::string& menuTitle, Int position) {
+  const std::optional<std::vector<std::string>> titles = host().menuItemTitles(menuTitle);
+  if (!titles) {
+    logLine("t_MenuItemTitle: Menu not found.");
+    return {};
+  }
+  position = resolvedPosition(position, titles->size());
+  if (!inRange(position, titles->size())) {
+    logLine("t_MenuItemTitle: Item position out of range");
+    return {};
+  }
+  return (*titles)[static_cast<std::size_t>(position)];
+}
+
+void scanMenus() {
+  for (const char* title : PlatformEditItems) {
+    deleteItemTitled("Bearbeiten", title);
+    deleteItemTitled("Edit", title);
+  }
+  deleteTrailingSeparator("Bearbeiten");
+  deleteTrailingSeparator("Edit");
+  for (const char* title : PlatformWindowItems) {
+    deleteWindowItem("Fenster", title);
+    deleteWindowItem("Window", title);
+  }
+  host().preparePasteboardView();
+}
+
+void t_MenuEventHandler(const t_MenuItem& item) {
+  const t_MenuEvent event = menuEvent(item);
+  const std::optional<std::size_t> entry = menuActionIndex(item.Tag);
+  if (entry) runMenuAction(MenuActions[*entry]);
+  MenuEventQueue.append(event);
+  if (!entry) startprocessasync(currentHandler(ProgramMenuHandler()));
+}
+
+void t_SetMenuHandler(std::function<void()> handler) {
+  std::lock_guard lock(handlerMutex());
+  ProgramMenuHandler() = handler ? std::move(handler) : [] {};
+}
+
+std::optional<t_MenuEvent> t_TakeMenuEvent() {
+  return MenuEventQueue.takeFirst();
+}
+
+void t_SetPasteHandler(std::function<void()> handler) {
+  std::lock_guard lock(handlerMutex());
+  ProgramPasteHandler() = handler ? std::move(handler) : t_Beep;
+}
+
+}  // namespace rvtools
