@@ -126,8 +126,11 @@ void AppDelegate::addMenuBars() {
 }
 
 void AppDelegate::connectMenuItems() {
-  connect(mainForm_->actionQuit, &QAction::triggered, qApp, &QCoreApplication::quit,
-          Qt::QueuedConnection);
+  // Quitting ends the event loop at once instead of asking every window to close first: the
+  // graphic windows refuse to close, and their refusal would report close-box clicks.
+  connect(
+      mainForm_->actionQuit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); },
+      Qt::QueuedConnection);
   for (QMenu* menu : menus()) {
     for (QAction* item : menu->actions()) {
       if (item->isSeparator() || item == mainForm_->actionQuit) continue;

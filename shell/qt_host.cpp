@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QImage>
@@ -12,6 +13,10 @@
 #include <QScreen>
 #include <QThread>
 #include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
 
 #include "rvtools/display.hpp"
 
@@ -64,12 +69,55 @@ QImage imageOf(const t_Image& picture) {
   return image;
 }
 
+// One piece of work that another thread hands to the GUI thread and waits for. Qt passes the
+// event on with locks of its own; the handover of the work and of its result is ordered by the
+// event's atomic pointer and by the call's mutex, which every thread checker can follow.
+struct InterfaceCall {
+  explicit InterfaceCall(const std::function<void()>& toDo) : work(&toDo) {}
+  const std::function<void()>* work;
+  std::mutex mutex;
+  std::condition_variable done;
+  bool finished = false;
+};
+
+class InterfaceCallEvent final : public QEvent {
+ public:
+  static inline const auto Type = static_cast<QEvent::Type>(QEvent::registerEventType());
+  explicit InterfaceCallEvent(InterfaceCall* call) : QEvent(Type) {
+    call_.store(call, std::memory_order_release);
+  }
+  InterfaceCall* call() const { return call_.load(std::memory_order_acquire); }
+
+ private:
+  std::atomic<InterfaceCall*> call_{nullptr};
+};
+
+// Receives the calls on the GUI thread; created there on first use and never destroyed.
+class InterfaceCallReceiver final : public QObject {
+ protected:
+  void customEvent(QEvent* event) override {
+    if (event->type() != InterfaceCallEvent::Type) return;
+    InterfaceCall* call = static_cast<InterfaceCallEvent*>(event)->call();
+    (*call->work)();
+    std::lock_guard lock(call->mutex);
+    call->finished = true;
+    call->done.notify_one();
+  }
+};
+
+QObject& interfaceCalls() {
+  static auto* receiver = new InterfaceCallReceiver;
+  return *receiver;
+}
+
 }  // namespace
 
 QtHost::QtHost(AppDelegate& delegate)
     : delegate_(delegate),
       bundlePath_(bundleAroundExecutable()),
-      sounds_(std::make_unique<SoundPlayer>(bundlePath_ + "/Contents/Resources")) {}
+      sounds_(std::make_unique<SoundPlayer>(bundlePath_ + "/Contents/Resources")) {
+  interfaceCalls();  // the receiver belongs to the thread that creates it: this, the GUI thread
+}
 
 bool QtHost::isInterfaceThread() const {
   const QCoreApplication* application = QCoreApplication::instance();
@@ -81,9 +129,12 @@ void QtHost::runOnInterfaceThread(const std::function<void()>& work) {
     work();
     return;
   }
-  QCoreApplication* application = QCoreApplication::instance();
-  if (application == nullptr) return;
-  QMetaObject::invokeMethod(application, work, Qt::BlockingQueuedConnection);
+  if (QCoreApplication::instance() == nullptr) return;
+  InterfaceCall call(work);
+  auto event = std::make_unique<InterfaceCallEvent>(&call);
+  QCoreApplication::postEvent(&interfaceCalls(), event.release());
+  std::unique_lock lock(call.mutex);
+  call.done.wait(lock, [&] { return call.finished; });
 }
 
 void QtHost::onWindow(UInt8 window, const std::function<void(QWidget&)>& work) {
