@@ -19,6 +19,19 @@ t_Window* checkedWindow(std::string_view operation, UInt8 window, Needs needs) {
   return &record;
 }
 
+Int pictureByteCount(Int width, Int height, Int depth) {
+  if (depth == 1) return width * height / 8;
+  if (depth == 4) return width * height / 2;
+  return height * depth * width / 8;
+}
+
+bool pictureInsideBlock(const t_Window& record) {
+  const Int width = record.Width, height = record.Height, start = record.MemoryStart;
+  if (width < 1 || height < 1 || width > 8192 || height > 8192 || start < 0) return false;
+  const Int last = start + pictureByteCount(width, height, record.BitDepth) - 1;
+  return last <= record.MemoryEnd && last < static_cast<Int>(VideoMemory.size());
+}
+
 TextCells textCells(const t_Window& record) {
   const Int start = record.TextMemoryStart;
   const Int end = record.TextMemoryEnd;

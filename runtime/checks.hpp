@@ -28,4 +28,11 @@ struct TextCells {
 
 TextCells textCells(const t_Window& record);
 
+// The bytes of a picture of width x height pixels at `depth` bits, rows without padding.
+Int pictureByteCount(Int width, Int height, Int depth);
+
+// Whether the picture that the record describes lies inside the window's block of the video
+// memory, so that drawing into it cannot reach another block.
+bool pictureInsideBlock(const t_Window& record);
+
 }  // namespace rvtools

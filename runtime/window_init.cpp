@@ -9,6 +9,7 @@
 #include <cstring>
 #include <thread>
 
+#include "runtime/checks.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "runtime/utilities.hpp"
@@ -30,12 +31,6 @@ constexpr Int LargestSide = 8192;
 
 std::string prefix(UInt8 window) {
   return "t_InitWindow: GraphicWindow #" + std::to_string(window);
-}
-
-Int graphicBytes(Int width, Int height, Int depth) {
-  if (depth == 1) return width * height / 8;
-  if (depth == 4) return width * height / 2;
-  return height * depth * width / 8;
 }
 
 bool supportedDepth(Int depth) {
@@ -98,7 +93,7 @@ Int allocateBlock(Int size) {
 
 void clearPicture(const t_Window& record) {
   UInt8* first = VideoMemory.data() + record.MemoryStart;
-  const Int bytes = graphicBytes(record.Width, record.Height, record.BitDepth);
+  const Int bytes = pictureByteCount(record.Width, record.Height, record.BitDepth);
   if (record.BitDepth != 32) {
     std::memset(first, 0, static_cast<size_t>(bytes));
     return;
@@ -193,7 +188,7 @@ void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int he
     width = ((width + 7) / 8) * 8;
   }
 
-  const Int pictureBytes = graphicBytes(width, height, bitDepth);
+  const Int pictureBytes = pictureByteCount(width, height, bitDepth);
   if (available < pictureBytes) {
     logLine(p, " has not enough graphic-video-memory (", available / 1024, "K available).");
     logLine("t_InitWindow: Displaying ", width, " x ", height, " pixel x ", bitDepth, " bit needs ",

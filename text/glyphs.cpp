@@ -230,21 +230,6 @@ bool glyphInData(const t_Font& font, UInt8 character) {
   return (std::size_t{character} + 1) * cellBytes <= font.Data.size();
 }
 
-Int pictureBytes(const t_Window& record) {
-  const Int width = record.Width, height = record.Height, depth = record.BitDepth;
-  if (depth == 1) return width * height / 8;
-  if (depth == 4) return width * height / 2;
-  return height * depth * width / 8;
-}
-
-// Whether the window's picture lies inside its block of the video memory.
-bool pictureFits(const t_Window& record) {
-  const Int width = record.Width, height = record.Height, start = record.MemoryStart;
-  if (width < 1 || height < 1 || width > 8192 || height > 8192 || start < 0) return false;
-  const Int last = start + pictureBytes(record) - 1;
-  return last <= record.MemoryEnd && last < static_cast<Int>(VideoMemory.size());
-}
-
 // Whether the cell (column, line) lies inside the picture: only the far edge bounds it, and a
 // column or line below 1 is no cell at all.
 bool cellInPicture(const t_Window& record, const t_Font& font, Int column, Int line) {
@@ -300,7 +285,7 @@ void t_PrintSymbol(UInt8 window, UInt8 character, UInt8 color, Int column, Int l
             ").");
     return;
   }
-  if (fontDrawable(font, character) && pictureFits(record)) {
+  if (fontDrawable(font, character) && pictureInsideBlock(record)) {
     const Cell cell{VideoMemory.data() + record.MemoryStart,
                     record.Width,
                     font.Width * (column - 1),
