@@ -15,6 +15,9 @@ constexpr Int FirstFunctionKeyCharacter = 0xF704;  // F1; F2 follows, and so on
 constexpr Int KeyNumberCount = 140;
 
 // The runtime's key number of each evdev code (index), UnknownKey where the numbering has none.
+// The key left of 1 (evdev 41) and the key beside the left shift key (evdev 86) are numbered as
+// on an ISO keyboard of the reference numbering, 10 and 50: so the dead circumflex left of 1 on
+// a German keyboard is key 10, whose empty character the key handler turns into "^".
 constexpr std::array<Int, KeyNumberCount> evdevKeyNumbers() {
   std::array<Int, KeyNumberCount> numbers{};
   for (Int& number : numbers) number = UnknownKey;
@@ -24,13 +27,13 @@ constexpr std::array<Int, KeyNumberCount> evdevKeyNumbers() {
       {15, 48},   {16, 12},   {17, 13},   {18, 14},   {19, 15},   {20, 17},   {21, 16},
       {22, 32},   {23, 34},   {24, 31},   {25, 35},   {26, 33},   {27, 30},   {28, 36},
       {30, 0},    {31, 1},    {32, 2},    {33, 3},    {34, 5},    {35, 4},    {36, 38},
-      {37, 40},   {38, 37},   {39, 41},   {40, 39},   {41, 50},   {43, 42},   {44, 6},
+      {37, 40},   {38, 37},   {39, 41},   {40, 39},   {41, 10},   {43, 42},   {44, 6},
       {45, 7},    {46, 8},    {47, 9},    {48, 11},   {49, 45},   {50, 46},   {51, 43},
       {52, 47},   {53, 44},   {55, 67},   {57, 49},   {59, 122},  {60, 120},  {61, 99},
       {62, 118},  {63, 96},   {64, 97},   {65, 98},   {66, 100},  {67, 101},  {68, 109},
       {69, 71},   {71, 89},   {72, 91},   {73, 92},   {74, 78},   {75, 86},   {76, 87},
       {77, 88},   {78, 69},   {79, 83},   {80, 84},   {81, 85},   {82, 82},   {83, 65},
-      {86, 10},   {87, 103},  {88, 111},  {96, 76},   {98, 75},   {102, 115}, {103, 126},
+      {86, 50},   {87, 103},  {88, 111},  {96, 76},   {98, 75},   {102, 115}, {103, 126},
       {104, 116}, {105, 123}, {106, 124}, {107, 119}, {108, 125}, {109, 121}, {110, 114},
       {111, 117}, {117, 81},  {138, 114},
   };

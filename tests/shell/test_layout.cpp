@@ -38,7 +38,8 @@ TEST(PictureLayoutTest, ScalesByWholeFactorsCentredAndFractionalOnlyBelowOne) {
 }
 
 TEST(KeyTranslationTest, PhysicalKeysMapToTheRuntimesNumbers) {
-  // X11 key codes are evdev codes + 8: A, Q, Return, Escape, keypad 7, F1, Left, Up, ISO section.
+  // X11 key codes are evdev codes + 8: A, Q, Return, Escape, keypad 7, F1, Left, Up, the key
+  // beside the left shift key.
   EXPECT_EQ(keyNumberOfScanCode(30 + 8), 0);
   EXPECT_EQ(keyNumberOfScanCode(16 + 8), 12);
   EXPECT_EQ(keyNumberOfScanCode(28 + 8), 36);
@@ -47,7 +48,8 @@ TEST(KeyTranslationTest, PhysicalKeysMapToTheRuntimesNumbers) {
   EXPECT_EQ(keyNumberOfScanCode(59 + 8), 122);
   EXPECT_EQ(keyNumberOfScanCode(105 + 8), 123);
   EXPECT_EQ(keyNumberOfScanCode(103 + 8), 126);
-  EXPECT_EQ(keyNumberOfScanCode(86 + 8), 10);
+  EXPECT_EQ(keyNumberOfScanCode(86 + 8), 50);
+  EXPECT_EQ(keyNumberOfScanCode(41 + 8), 10);  // left of 1, as on an ISO keyboard
   EXPECT_EQ(keyNumberOfScanCode(0), UnknownKey);
   EXPECT_EQ(keyNumberOfScanCode(29 + 8), UnknownKey);  // left control
   EXPECT_EQ(keyNumberOfScanCode(100000), UnknownKey);

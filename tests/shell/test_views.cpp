@@ -1,6 +1,7 @@
 // The graphic windows and views on the offscreen platform: keys and clicks reach the runtime's
 // queues, the close box only reports, the refresh draws the picture scaled crisply.
 #include <QImage>
+#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QTest>
 #include <chrono>
@@ -34,6 +35,26 @@ TEST_F(ViewTest, KeysBecomeEventsOfTheViewsWindow) {
   EXPECT_EQ(EventQueue.takeFirst()->Value, 127);
   EXPECT_EQ(EventQueue.takeFirst()->Value, 'q');
   EXPECT_FALSE(KeyIsDown);
+}
+
+// Keys as an X server with a German layout delivers them: the key right of T types "z", AltGr+E
+// the euro sign, AltGr+Q "@", and the dead circumflex left of 1 comes without text.
+TEST_F(ViewTest, GermanKeysGiveTheCharactersOnTheirCaps) {
+  initGraphicWindow(1, 64, 48, 8, false);
+  QWidget& view = graphicWindow(1).view();
+  auto press = [&](int key, quint32 evdevCode, const QString& text, Qt::KeyboardModifiers mods) {
+    QKeyEvent event(QEvent::KeyPress, key, mods, evdevCode + 8, 0, 0, text);
+    QCoreApplication::sendEvent(&view, &event);
+    const std::optional<t_Event> queued = EventQueue.takeFirst();
+    return queued ? std::pair{queued->Index, queued->Value} : std::pair<Int, Int>{-1, -1};
+  };
+  using Key = std::pair<Int, Int>;
+  EXPECT_EQ(press(Qt::Key_Z, 21, "z", {}), Key(16, 'z'));
+  EXPECT_EQ(press(Qt::Key_E, 18, QString(QChar(0x20AC)), Qt::GroupSwitchModifier), Key(14, 0xA4));
+  EXPECT_EQ(press(Qt::Key_At, 16, "@", Qt::GroupSwitchModifier), Key(12, '@'));
+  EXPECT_EQ(press(Qt::Key_Dead_Circumflex, 41, "", {}), Key(10, 0x5E));
+  EXPECT_EQ(press(Qt::Key_Dead_Acute, 13, "", {}), Key(24, 0xB4));
+  EXPECT_EQ(press(Qt::Key_Dead_Grave, 13, "", Qt::ShiftModifier), Key(24, 0x60));
 }
 
 TEST_F(ViewTest, ClicksAddressPicturePixelsAtEveryScale) {
