@@ -2,6 +2,7 @@
 #include "common.hpp"
 
 #include <mutex>
+#include <sstream>
 
 #include "runtime/log.hpp"
 
@@ -45,12 +46,8 @@ void RuntimeTest::TearDown() {
 
 std::vector<std::string> RuntimeTest::logLines() const {
   std::vector<std::string> lines;
-  std::string text = logText();
-  size_t start = 0;
-  for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
-    lines.push_back(text.substr(start, end - start));
-  }
-  if (start < text.size()) lines.push_back(text.substr(start));
+  std::istringstream text(logText());
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
 }
 

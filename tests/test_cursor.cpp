@@ -20,15 +20,6 @@ class CursorTest : public RuntimeTest {
     initTextWindow(window, depth, columns, lines);
     t_ClearEndOfWindow(window);
   }
-  // The log without the refresh thread's start and end lines, which arrive whenever that thread
-  // gets round to them.
-  std::vector<std::string> messages() const {
-    std::vector<std::string> lines = logLines();
-    std::erase_if(lines, [](const std::string& line) {
-      return line.starts_with("t_WindowAutoUpdateProcess: ");
-    });
-    return lines;
-  }
 };
 
 void write(UInt8 window, Int column, Int line, std::string_view text, UInt8 color = 0xC0) {
@@ -56,48 +47,36 @@ std::vector<UInt8> picture(UInt8 window) {
   return bytes;
 }
 
-TEST_F(CursorTest, WrapsAtTheLastColumnAndScrollsOnTheLastLine) {
-  initBlankWindow(0, 24, 40, 3);
-  write(0, 1, 1, "one");
-  write(0, 1, 2, "two");
-  write(0, 40, 3, "!");
-  t_Htab(0, 40);
-  t_Vtab(0, 2);
-  t_CursorRight(0);
-  EXPECT_EQ(cursorOf(0), Position(1, 3));
-  t_Htab(0, 40);
-  t_CursorRight(0);
-  EXPECT_EQ(cursorOf(0), Position(1, 3));
-  EXPECT_EQ(screenText(0), screen(40, {"two", std::string(39, ' ') + "!", ""}));
-}
-
-TEST_F(CursorTest, CursorLeftAtHomeScrollsTheAreaDown) {
+TEST_F(CursorTest, MovesWrapAtTheEdgesAndScrollTheAreaUnlessLocked) {
   initBlankWindow(0, 24, 10, 4);
   Windows[0].TextFirstLine = 2;  // line 1 lies outside the area and never moves
   write(0, 1, 1, "top");
   write(0, 1, 2, "a");
   write(0, 1, 3, "b");
-  write(0, 1, 4, "c");
+  write(0, 10, 3, "!");
   t_CursorHome(0);
   t_CursorLeft(0);
   EXPECT_EQ(cursorOf(0), Position(10, 2));
-  EXPECT_EQ(screenText(0), screen(10, {"top", "", "a", "b"}));
-}
+  EXPECT_EQ(screenText(0), screen(10, {"top", "", "a", "b        !"}));
+  t_Vtab(0, 3);
+  t_Htab(0, 10);
+  t_CursorRight(0);
+  EXPECT_EQ(cursorOf(0), Position(1, 4));
+  t_Htab(0, 10);
+  t_CursorRight(0);
+  EXPECT_EQ(cursorOf(0), Position(1, 4));
+  EXPECT_EQ(screenText(0), screen(10, {"top", "a", "b        !", ""}));
 
-TEST_F(CursorTest, ScrollLockKeepsContentAndCursorOnTheLastLine) {
-  initBlankWindow(0, 24, 4, 2);
-  write(0, 1, 1, "ab");
-  write(0, 1, 2, "cd");
   Windows[0].ScrollLock = true;
   t_CursorEnd(0);
   t_CursorDown(0);
   t_ScrollDown(0);
-  EXPECT_EQ(cursorOf(0), Position(4, 2));
-  EXPECT_EQ(screenText(0), screen(4, {"ab", "cd"}));
-  EXPECT_TRUE(messages().empty());
+  EXPECT_EQ(cursorOf(0), Position(10, 4));
+  EXPECT_EQ(screenText(0), screen(10, {"top", "a", "b        !", ""}));
+  EXPECT_TRUE(logLines().empty());
 }
 
-TEST_F(CursorTest, SingleLineAreaScrollsByBlankingIt) {
+TEST_F(CursorTest, SingleLineAndInverseAreasScrollByBlankingTheFreedLine) {
   initBlankWindow(0, 24, 3, 3);
   for (Int line = 1; line <= 3; ++line) write(0, 1, line, "xyz");
   Windows[0].TextFirstLine = Windows[0].TextLastLine = 2;
@@ -107,9 +86,8 @@ TEST_F(CursorTest, SingleLineAreaScrollsByBlankingIt) {
   Windows[0].TextFirstColumn = 2;
   t_ScrollDown(0);
   EXPECT_EQ(screenText(0), screen(3, {"xyz", "x", "xyz"}));
-}
 
-TEST_F(CursorTest, InverseBlanksTheFreedLineAndRedrawsStoredColours) {
+  // In inverse, the freed line is blank in inverse colours, moved cells keep theirs.
   initBlankWindow(0, 24, 4, 3);
   write(0, 1, 1, "abcd", 0x12);
   write(0, 1, 2, "efgh", 0x34);
@@ -185,7 +163,7 @@ TEST_F(CursorTest, TabsOutOfRangeAndCursorBeyondTheLastColumn) {
   record.TextFirstColumn = 9;  // an area with no columns scrolls nothing
   t_ScrollUp(0);
   EXPECT_EQ(screenText(0), screen(10, {"0123456789", "01      89", "01      89", "01      89"}));
-  EXPECT_TRUE(messages().empty());
+  EXPECT_TRUE(logLines().empty());
 }
 
 TEST_F(CursorTest, TamperedRecordNeverMovesBytesOutsideItsBlocks) {
@@ -239,7 +217,7 @@ TEST_F(CursorTest, CursorDisplayNestsAndUndoesItself) {
   t_CursorDraw(8);
   t_Cr(2);
   EXPECT_EQ(Windows[1].TextCursorLevel, 0);
-  EXPECT_EQ(messages(), (std::vector<std::string>{"t_CursorOn: Window is not a graphic window.",
+  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_CursorOn: Window is not a graphic window.",
                                                   "t_CursorOff: Window #1 not initialized.",
                                                   "t_CursorDraw: Window is not a graphic window.",
                                                   "t_Cr: Window #2 not initialized."}));

@@ -40,7 +40,12 @@ std::vector<UInt8> dataOf(const t_Font& font) {
   return font.Data.vector();
 }
 
-TEST(FontExpansion, DecodesCodesMostSignificantBitFirst) {
+// Format, size, first and last code, glyph width and height, and the reserved field.
+std::vector<Int> headerOf(const t_Font& font) {
+  return {font.Format, font.Size, font.Start, font.End, font.Width, font.Height, font.Reserved};
+}
+
+TEST(FontExpansion, DecodesCodesMostSignificantBitFirstAndRefusesCorruptStreams) {
   EXPECT_EQ(expanded(9, {65, 256}), "AAA");
   EXPECT_EQ(expanded(9, {65, 66, 256, 258}), "ABABABA");
   EXPECT_EQ(expanded(9, {256 + 65, 66}), "AB");  // the first code counts by its low 8 bits
@@ -50,12 +55,11 @@ TEST(FontExpansion, DecodesCodesMostSignificantBitFirst) {
   std::vector<UInt8> stream = codeStream(9, {65, 66, 67, 68});
   stream.back() |= 0x0F;
   EXPECT_EQ(expandGlyphData(stream), (std::vector<UInt8>{'A', 'B', 'C', 'D'}));
-}
 
-TEST(FontExpansion, RefusesCorruptStreams) {
-  EXPECT_TRUE(expandGlyphData(codeStream(9, {65, 257})).empty());  // beyond the dictionary
-  EXPECT_TRUE(expandGlyphData(codeStream(9, {65, 66, 300})).empty());
-  EXPECT_TRUE(expandGlyphData(codeStream(0, {})).empty());
+  // Corrupt streams expand to nothing.
+  EXPECT_EQ(expanded(9, {65, 257}), "");  // beyond the dictionary
+  EXPECT_EQ(expanded(9, {65, 66, 300}), "");
+  EXPECT_EQ(expanded(0, {}), "");
   std::vector<UInt8> wide = codeStream(24, {65, 256});
   wide[0] = 25;
   EXPECT_TRUE(expandGlyphData(wide).empty());
@@ -108,13 +112,7 @@ TEST_F(FontTest, RefusesUnreadableFilesAndBadHeaders) {
 TEST_F(FontTest, ReadsHeaderFieldsAndConvertsCompressedFormats) {
   std::vector<UInt8> file = fontFile(2, {7, 8});
   const t_Font stored = parseFontResource(file, "x");
-  EXPECT_EQ(stored.Format, 2);
-  EXPECT_EQ(stored.Size, 0x01020304);
-  EXPECT_EQ(stored.Reserved, 0xBEEF);
-  EXPECT_EQ(stored.Start, 32);
-  EXPECT_EQ(stored.End, 126);
-  EXPECT_EQ(stored.Width, 8);
-  EXPECT_EQ(stored.Height, 16);
+  EXPECT_EQ(headerOf(stored), (std::vector<Int>{2, 0x01020304, 32, 126, 8, 16, 0xBEEF}));
   EXPECT_EQ(dataOf(stored), (std::vector<UInt8>{7, 8}));
 
   file[0] = 0;  // header size 0: the whole file is the data
@@ -153,9 +151,7 @@ TEST(FontWriter, WritesFilesThatTheLoaderExpandsUnchanged) {
     const fontwriter::GlyphSet glyphs{0, 255, 16, 32, data};
     const t_Font font = parseFontResource(fontwriter::fontFileBytes(glyphs), "x");
     EXPECT_EQ(dataOf(font), data) << data.size() << " bytes";
-    EXPECT_EQ(font.Format, 2);
-    EXPECT_EQ(font.Size, static_cast<Int>(data.size()));
-    EXPECT_EQ(font.HeaderSize, 16);
+    EXPECT_EQ(headerOf(font), (std::vector<Int>{2, Int(data.size()), 0, 255, 16, 32, 0}));
   }
   EXPECT_EQ(fontwriter::compressGlyphData({1, 2, 3})[0], 9);
   EXPECT_GT(fontwriter::compressGlyphData(noise(200000, 256))[0], 16);
@@ -171,11 +167,7 @@ TEST_F(FontTest, CompiledFontsHoldAllCodesWithExactBlockShapes) {
     SCOPED_TRACE(name);
     const t_Font font = t_LoadFontResource(name);
     ASSERT_EQ(font.Data.size(), 256u * 512u);
-    EXPECT_EQ(font.Format, 2);
-    EXPECT_EQ(font.Width, 16);
-    EXPECT_EQ(font.Height, 32);
-    EXPECT_EQ(font.Start, 0);
-    EXPECT_EQ(font.End, 255);
+    EXPECT_EQ(headerOf(font), (std::vector<Int>{2, 256 * 512, 0, 255, 16, 32, 0}));
     for (int code = 0; code <= 14; ++code) {
       const int mask = 15 - code;  // upper left 8, upper right 4, lower left 2, lower right 1
       for (int y = 0; y < 32; ++y) {

@@ -36,55 +36,34 @@ class GlyphTest : public RuntimeTest {
 };
 
 // Colour byte 0x12: red ink (255, 0, 0) on navy paper (0, 0, 128); the grey column mixes to
-// (128, 0, 63).
+// (128, 0, 63), in grey levels red is 85, navy 42 and the mix 62, and at 4 bits the ink is
+// colour 1, the paper colour 2 and the mix nearest to colour 8.
 constexpr UInt8 RedOnNavy = 0x12;
 
-TEST_F(GlyphTest, TrueColourCellMixesInkAndPaper) {
-  initStripeWindow(24);
-  t_PrintSymbol(0, 1, RedOnNavy, 2, 1);
-  const UInt8* row = picture() + 3 * 8;  // the cell starts at pixel 8 of row 0
-  EXPECT_EQ(std::vector<UInt8>(row, row + 24),
-            (std::vector<UInt8>{255, 0, 0,  255, 0, 0,   255, 0, 0,   255, 0, 0,  //
-                                128, 0, 63, 0,   0, 128, 0,   0, 128, 0,   0, 128}));
-  EXPECT_EQ(screenText(0), "....\n....\n....\n....\n");
-  EXPECT_EQ(screenColors(0).substr(0, 12), "FF 12 FF FF\n");  // text memory starts as 0xFF
-}
+TEST_F(GlyphTest, EachDepthMixesInkAndPaperKeepsBytesItDoesNotColourAndInverts) {
+  // The top row of cell 2: its 8 pixels take `depth` bytes from byte `depth` on.
+  const std::vector<std::vector<UInt8>> rows = {
+      {7,   255, 0, 0,  255, 255, 0, 0,   255, 255, 0, 0,   255, 255, 0, 0,  // 32 bits
+       255, 128, 0, 63, 255, 0,   0, 128, 255, 0,   0, 128, 255, 0,   0, 128},
+      {7, 85, 0, 85, 0, 85, 0, 85, 0, 62, 0, 42, 0, 42, 0, 42},  // 16 bits
+      {85, 85, 85, 85, 62, 42, 42, 42},
+      {0x11, 0x11, 0x82, 0x22},
+      {255, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 128, 0, 63, 0, 0, 128, 0, 0, 128, 0, 0, 128}};
+  for (const std::vector<UInt8>& row : rows) {
+    const Int depth = static_cast<Int>(row.size());
+    initStripeWindow(depth);
+    VideoMemory[Windows[0].MemoryStart + depth] = 7;  // the cell's first byte
+    t_PrintSymbol(0, 1, RedOnNavy, 2, 1);
+    EXPECT_EQ(std::vector<UInt8>(picture() + depth, picture() + 2 * depth), row) << depth;
+  }
 
-TEST_F(GlyphTest, ThirtyTwoAndSixteenBitsKeepTheFirstByte) {
-  initStripeWindow(32);
-  t_PrintSymbol(0, 1, RedOnNavy, 1, 1);
-  EXPECT_EQ(std::vector<UInt8>(picture() + 16, picture() + 24),
-            (std::vector<UInt8>{255, 128, 0, 63, 255, 0, 0, 128}));
-
-  initStripeWindow(16);
-  VideoMemory[Windows[0].MemoryStart] = 7;
-  t_PrintSymbol(0, 1, RedOnNavy, 1, 1);
-  // Grey of red is 85, grey of navy 42; the grey column mixes to 62.
-  EXPECT_EQ(std::vector<UInt8>(picture(), picture() + 12),
-            (std::vector<UInt8>{7, 85, 0, 85, 0, 85, 0, 85, 0, 62, 0, 42}));
-}
-
-TEST_F(GlyphTest, EightBitGreyAndFourBitNearestColour) {
-  initStripeWindow(8);
-  t_PrintSymbol(0, 1, RedOnNavy, 1, 1);
-  EXPECT_EQ(std::vector<UInt8>(picture(), picture() + 8),
-            (std::vector<UInt8>{85, 85, 85, 85, 62, 42, 42, 42}));
-
-  initStripeWindow(4);
-  t_PrintSymbol(0, 1, RedOnNavy, 1, 1);
-  // Ink is colour 1, paper colour 2; the mix (128, 0, 63) is nearest to colour 8.
-  EXPECT_EQ(std::vector<UInt8>(picture(), picture() + 4),
-            (std::vector<UInt8>{0x11, 0x11, 0x82, 0x22}));
-}
-
-TEST_F(GlyphTest, OneBitInkAndInverse) {
   initStripeWindow(1);
   t_PrintSymbol(0, 1, 0xF0, 1, 1);
   EXPECT_EQ(picture()[0], 0xF8);  // ink and the light grey column are set
   Windows[0].TextInverse = true;
   t_PrintSymbol(0, 1, 0xF0, 2, 1);
   EXPECT_EQ(picture()[1], 0x07);
-  EXPECT_EQ(screenColors(0).substr(0, 12), "F0 0F FF FF\n");
+  EXPECT_EQ(screenColors(0).substr(0, 5), "F0 0F");
 }
 
 TEST_F(GlyphTest, SkippedDrawingStillRecordsTheCell) {

@@ -23,15 +23,6 @@ class GraphicsTest : public RuntimeTest {
       for (Int column = 1; column <= 6; ++column) t_PrintSymbol(0, code, colours, column, line);
     }
   }
-  // The log without the refresh thread's start and end lines, which that thread writes
-  // whenever it happens to start or stop during a test.
-  std::vector<std::string> messages() const {
-    std::vector<std::string> lines = logLines();
-    std::erase_if(lines, [](const std::string& line) {
-      return line.starts_with("t_WindowAutoUpdateProcess:");
-    });
-    return lines;
-  }
   UInt8 codeAt(Int column, Int line) const {
     return VideoMemory[Windows[0].TextMemoryStart + (column - 1) + 6 * (line - 1)];
   }
@@ -50,7 +41,7 @@ TEST_F(GraphicsTest, ColourBlocksHoldTwoPointsACell) {
   EXPECT_EQ((std::vector<Int>{t_Scrn(0, 0, 0), t_Scrn(0, 0, 1), t_Scrn(0, 5, 4), t_Scrn(0, 5, 5),
                               t_Scrn(0, 1, 0)}),
             (std::vector<Int>{13, 13, 10, 13, 0}));
-  EXPECT_TRUE(messages().empty());
+  EXPECT_TRUE(logLines().empty());
 }
 
 TEST_F(GraphicsTest, PointsOffTheGridAreClippedSilently) {
@@ -75,7 +66,7 @@ TEST_F(GraphicsTest, PointsOffTheGridAreClippedSilently) {
   t_LoResOffset(0, 0, 0);
   EXPECT_EQ((std::vector<Int>{t_Scrn(0, 6, 0), t_Scrn(0, 0, 6), t_Scrn(0, -1, 0)}),
             (std::vector<Int>{-1, -1, -1}));
-  EXPECT_TRUE(messages().empty());
+  EXPECT_TRUE(logLines().empty());
 }
 
 TEST_F(GraphicsTest, WideAndLargeModesAndOffsets) {
@@ -90,25 +81,21 @@ TEST_F(GraphicsTest, WideAndLargeModesAndOffsets) {
   t_LoResOffset(0, 1, 2);
   t_Plot(0, 0, 0);  // grid point (1, 2): upper point of cell 2 of line 2
   EXPECT_EQ(t_Scrn(0, 0, 0), 11);
-  EXPECT_EQ((std::vector<Int>{Windows[0].LoResOffsetX, Windows[0].LoResOffsetY}),
-            (std::vector<Int>{1, 2}));
   EXPECT_EQ(screenColors(0), "00 00 00 00 00 00\n00 B0 DD DD 00 00\n00 00 00 00 0B 0B\n");
   EXPECT_EQ(screenText(0), "      \n ...  \n    ..\n");
 }
 
-TEST_F(GraphicsTest, QuarterBlocksBuildAndClearACell) {
+TEST_F(GraphicsTest, QuarterBlocksBuildAndClearACellAndRecolourOtherSymbols) {
   Windows[0].LoResMode = 3;
   std::vector<int> codes;
-  for (const auto& [x, y] : std::vector<std::pair<Int, Int>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}}) {
-    t_Plot(0, x, y);
-    codes.push_back(codeAt(1, 1));
-  }
-  for (const auto& [x, y] : std::vector<std::pair<Int, Int>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}}) {
-    t_PlotHalfSize(0, x, y, false);
-    codes.push_back(codeAt(1, 1));
+  for (const bool set : {true, false}) {
+    for (const auto& [x, y] : std::vector<std::pair<Int, Int>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}}) {
+      set ? t_Plot(0, x, y) : t_PlotHalfSize(0, x, y, false);
+      codes.push_back(codeAt(1, 1));
+    }
   }
   EXPECT_EQ(codes, (std::vector<int>{7, 3, 1, 0, 8, 12, 14, 32}));
-  EXPECT_EQ(messages(), (std::vector<std::string>{
+  EXPECT_EQ(logLines(), (std::vector<std::string>{
                             "t_PlotHalfSize: PixelByte = 20, x = 0, y = 0, Plot position 0",
                             "t_PlotHalfSize: PixelByte = 07, x = 1, y = 0, Plot position 1",
                             "t_PlotHalfSize: PixelByte = 03, x = 0, y = 1, Plot position 2",
@@ -119,10 +106,9 @@ TEST_F(GraphicsTest, QuarterBlocksBuildAndClearACell) {
                             "t_PlotHalfSize: PixelByte = 0E, x = 1, y = 1, Plot position 3"}));
   clearLog();
   EXPECT_EQ(t_Scrn(0, 0, 0), -1);  // quarter blocks cannot be read back
-  EXPECT_TRUE(messages().empty());
-}
+  EXPECT_TRUE(logLines().empty());
 
-TEST_F(GraphicsTest, QuarterPlotsKeepOtherSymbolsButRecolourTheCell) {
+  // Plots keep symbols other than quarter blocks, but recolour their cells.
   t_PrintSymbol(0, 'A', 0x12, 1, 1);
   t_PrintSymbol(0, 0, 0x12, 2, 1);   // all four quarters: setting changes nothing
   t_PrintSymbol(0, 15, 0x12, 3, 1);  // no quarter block: clearing changes nothing
@@ -137,7 +123,7 @@ TEST_F(GraphicsTest, QuarterPlotsKeepOtherSymbolsButRecolourTheCell) {
   EXPECT_EQ(codeAt(2, 1), 0);
   EXPECT_EQ(codeAt(3, 1), 15);
   EXPECT_EQ(screenColors(0), "C5 C5 C5 C5 C5 00\n00 00 00 00 00 00\n00 00 00 00 00 00\n");
-  EXPECT_EQ(messages(), (std::vector<std::string>{
+  EXPECT_EQ(logLines(), (std::vector<std::string>{
                             "t_PlotHalfSize: PixelByte = 41, x = 1, y = 1, Plot position 3",
                             "t_PlotHalfSize: PixelByte = 00, x = 2, y = 0, Plot position 0",
                             "t_PlotHalfSize: PixelByte = 0F, x = 4, y = 1, Plot position 2",
@@ -162,13 +148,11 @@ TEST_F(GraphicsTest, GraphicSetsTheAreaAndBlanksEveryCell) {
                               Windows[1].TextHpos, Windows[1].TextVpos}),
             (std::vector<Int>{1, 8, 20, 24, 3, 7}));
   EXPECT_EQ(t_GetScreen(1, ""), std::string(8 * 24, '\x03'));
-  std::string blackBlocks;
-  for (int line = 0; line < 24; ++line) blackBlocks += "00 00 00 00 00 00 00 00\n";
-  EXPECT_EQ(screenColors(1), blackBlocks);
+  EXPECT_EQ(screenColors(1).find_first_not_of("0 \n"), std::string::npos);  // black on black
   t_Graphic(1, true);
   EXPECT_EQ((std::vector<Int>{Windows[1].TextFirstLine, Windows[1].TextLastLine}),
             (std::vector<Int>{1, 24}));
-  EXPECT_TRUE(messages().empty());
+  EXPECT_TRUE(logLines().empty());
 }
 
 TEST_F(GraphicsTest, InvertRectRedrawsCellsInverseWithinTheScreenOnly) {
@@ -186,7 +170,7 @@ TEST_F(GraphicsTest, InvertRectRedrawsCellsInverseWithinTheScreenOnly) {
   EXPECT_FALSE(Windows[0].TextInverse);
   EXPECT_EQ(screenColors(0), "12 12 12 12 12 21\n12 21 21 12 12 12\n12 21 21 12 12 12\n");
   EXPECT_EQ(screenText(0), "xxxxxx\nxxxxxx\nxxxxxx\n");
-  EXPECT_TRUE(messages().empty());
+  EXPECT_TRUE(logLines().empty());
 }
 
 TEST_F(GraphicsTest, GetScreenTrimsBlanksBeforeEveryCarriageReturn) {
@@ -222,7 +206,7 @@ TEST_F(GraphicsTest, RefusalsNameTheOperation) {
   t_Plot(0, 0, 0);
   EXPECT_EQ(t_Scrn(0, 0, 0), -1);
   EXPECT_EQ(
-      messages(),
+      logLines(),
       (std::vector<std::string>{
           "t_Plot: Window #3 not initialized.", "t_Graphic: Window #3 not initialized.",
           "t_PlotHalfSize: Window #3 not initialized.", "t_Scrn: Window #3 not initialized.",

@@ -10,14 +10,6 @@
 namespace rvtools::testing {
 namespace {
 
-using namespace std::chrono_literals;
-
-struct Outcome {
-  std::atomic<bool> started{false};
-  std::atomic<bool> localDestroyed{false};
-  std::atomic<bool> ranOn{false};
-};
-
 // Sets its flag when it goes out of scope.
 struct Sentinel {
   std::atomic<bool>& flag;
@@ -26,25 +18,27 @@ struct Sentinel {
 
 class QuitTest : public RuntimeTest {
  protected:
-  // Runs t_QuitProgram(window) on a program thread and waits until that thread has ended.
+  // Runs t_QuitProgram(window) on a program thread, waits until that thread has ended and checks
+  // that it unwound: its local objects were destroyed and the code after the call never ran.
   void quitOnProgramThread(UInt8 window) {
     startprocess(
         [this, window] {
-          Sentinel local{outcome_.localDestroyed};
-          outcome_.started = true;
+          Sentinel local{localDestroyed_};
+          started_ = true;
           t_QuitProgram(window);
-          outcome_.ranOn = true;
+          ranOn_ = true;
         },
         1 << 20);
     for (int step = 0; step < 400; ++step) {
-      if (outcome_.started && !ProgramStartPending && runningProgramThreads() == 0) break;
-      std::this_thread::sleep_for(5ms);
+      if (started_ && !ProgramStartPending && runningProgramThreads() == 0) break;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    ASSERT_TRUE(outcome_.started);
     ASSERT_EQ(runningProgramThreads(), 0);
+    EXPECT_TRUE(started_ && localDestroyed_);
+    EXPECT_FALSE(ranOn_);
   }
 
-  Outcome outcome_;
+  std::atomic<bool> started_{false}, localDestroyed_{false}, ranOn_{false};
 };
 
 TEST_F(QuitTest, LeavesTheClosingTextOnTheLastLine) {
@@ -56,8 +50,6 @@ TEST_F(QuitTest, LeavesTheClosingTextOnTheLastLine) {
   clearLog();
   const int redraws = testHost().windowState(0).Redraws;
   quitOnProgramThread(0);
-  EXPECT_TRUE(outcome_.localDestroyed);
-  EXPECT_FALSE(outcome_.ranOn);
   EXPECT_EQ(logText(), "t_QuitProgram: Quitting current thread with message in window #0.\n");
   EXPECT_EQ(screenText(0).substr(17), std::string(16, ' ') + "\n(Programm Ende) \n");
   EXPECT_EQ(screenColors(0).substr(2 * 48), "10 10 10 10 10 10 10 10 10 10 10 10 10 10 10 C0\n");
@@ -68,8 +60,6 @@ TEST_F(QuitTest, WithoutAWindowOnlyLogsAndEnds) {
   initTextWindow(0, 24, 16, 3);
   const std::string screen = screenText(0);
   quitOnProgramThread(20);
-  EXPECT_TRUE(outcome_.localDestroyed);
-  EXPECT_FALSE(outcome_.ranOn);
   EXPECT_EQ(logText(), "t_QuitProgram: Quitting current thread.\n");
   EXPECT_EQ(screenText(0), screen);
 }

@@ -15,23 +15,18 @@ using StartupTest = RuntimeTest;
 TEST_F(StartupTest, CharacterTablesKeepTheirQuirk) {
   initrvtools();
   // The lower-case pass lands in UpperCaseTable; LowerCaseTable stays zero.
-  EXPECT_EQ(UpperCaseTable['A'], 'a');
-  EXPECT_EQ(UpperCaseTable['a'], 'a');
-  EXPECT_EQ(UpperCaseTable[0xC4], 0xE4);
-  EXPECT_EQ(UpperCaseTable[0xD7], 0xD7);
+  EXPECT_EQ((std::vector<int>{UpperCaseTable['A'], UpperCaseTable['a'], UpperCaseTable[0xC4],
+                              UpperCaseTable[0xD7]}),
+            (std::vector<int>{'a', 'a', 0xE4, 0xD7}));
   EXPECT_EQ(LowerCaseTable, std::vector<UInt8>(256, 0));
-  EXPECT_EQ(std::string(HexDigits.begin(), HexDigits.end()), "0123456789ABCDEF");
-  EXPECT_EQ(DigitValues['7'], 7);
-  EXPECT_EQ(DigitValues['f'], 15);
-  EXPECT_EQ(DigitValues['F'], 15);
-  EXPECT_EQ(DigitValues['g'], -1);
+  EXPECT_EQ(
+      (std::vector<Int>{DigitValues['7'], DigitValues['f'], DigitValues['F'], DigitValues['g']}),
+      (std::vector<Int>{7, 15, 15, -1}));
   EXPECT_EQ(logLines(), (std::vector<std::string>{"initrvtools: Start.", "initrvtools: End."}));
 }
 
 TEST_F(StartupTest, MemoryIsCreatedOnceWithDefaultRecords) {
-  EXPECT_EQ(VideoMemory.size(), 0x100000Fu);
-  EXPECT_EQ(VideoMemory[0], 255);
-  EXPECT_EQ(VideoMemory[0x100000E], 255);
+  EXPECT_EQ(VideoMemory, std::vector<UInt8>(0x100000F, 255));
   EXPECT_EQ(HighMemory, 0xFFFFFF);
   for (const t_Window& record : Windows) {
     EXPECT_EQ(record.MemoryStart, -1);
@@ -39,10 +34,6 @@ TEST_F(StartupTest, MemoryIsCreatedOnceWithDefaultRecords) {
     EXPECT_EQ(record.RefreshRate, 30);
     EXPECT_TRUE(record.VerticalBlank);
   }
-  ASSERT_EQ(MenuActions.size(), 37u);
-  EXPECT_EQ(MenuActions.front().Tag, 200);
-  EXPECT_EQ(MenuActions[31].Tag, 231);
-  EXPECT_EQ(MenuActions.back().Action, 114);
   t_InitMemory();
   EXPECT_TRUE(logLines().empty());
 }

@@ -1,7 +1,5 @@
 // Window initialisation: the allocation of graphic and text blocks, the corrections of size and
 // depth, re-initialisation that moves the blocks of other windows, and the window's colours.
-#include <algorithm>
-
 #include "common.hpp"
 
 namespace rvtools::testing {
@@ -25,15 +23,9 @@ class WindowTest : public RuntimeTest {
 TEST_F(WindowTest, DemoWindowTakesItsBlocksFromTheTopOfMemory) {
   t_InitWindow(0, 24, 80, 25, 16, "MenloBold 16x32.font");
   const t_Window& w = Windows[0];
-  EXPECT_EQ(w.MemoryEnd, 0xFFFFFF);
-  EXPECT_EQ(w.MemoryStart, 0xD12000);
-  EXPECT_EQ(w.TextMemoryEnd, 0xD11FFF);
-  EXPECT_EQ(w.TextMemoryStart, 0xD11000);
-  EXPECT_EQ(HighMemory, 0xD10FFF);
-  EXPECT_EQ(w.TextWidth, 80);
-  EXPECT_EQ(w.TextHeight, 25);
-  EXPECT_EQ(w.TextColor, 192);
-  EXPECT_EQ(w.BorderWidth, 16);
+  EXPECT_EQ((std::vector<Int>{w.MemoryStart, w.MemoryEnd, w.TextMemoryStart, w.TextMemoryEnd,
+                              HighMemory, w.TextWidth, w.TextHeight, w.TextColor, w.BorderWidth}),
+            (std::vector<Int>{0xD12000, 0xFFFFFF, 0xD11000, 0xD11FFF, 0xD10FFF, 80, 25, 192, 16}));
   EXPECT_TRUE(w.AutoUpdate && w.QuickUpdate && w.Initialized);
   EXPECT_EQ(DefaultWindow, 0);
   EXPECT_EQ(linesStartingWith("t_InitWindow"),
@@ -44,11 +36,10 @@ TEST_F(WindowTest, DemoWindowTakesItsBlocksFromTheTopOfMemory) {
                 "t_InitWindow: GraphicWindow #0 End."}));
   const auto frame = testHost().windowState(0);
   EXPECT_EQ(frame.Title, "RvtoolsTests");
-  EXPECT_EQ(frame.Frame.Width, 1280 + 32);
-  EXPECT_EQ(frame.Frame.Height, 800 + 32);
+  EXPECT_EQ(std::make_pair(frame.Frame.Width, frame.Frame.Height),
+            (std::pair<Int, Int>(1312, 832)));
   EXPECT_EQ(frame.Border, (t_RGBColor{255, 84, 84, 84}));
-  const std::vector<UInt8> picture = pictureBytes(0);
-  EXPECT_TRUE(std::all_of(picture.begin(), picture.end(), [](UInt8 b) { return b == 0; }));
+  EXPECT_EQ(pictureBytes(0), std::vector<UInt8>(1280 * 800 * 3, 0));
 }
 
 TEST_F(WindowTest, ReinitialisationMovesTheBlocksBelowUpward) {
@@ -61,9 +52,8 @@ TEST_F(WindowTest, ReinitialisationMovesTheBlocksBelowUpward) {
 
   initSmallPicture(0);
 
-  const Int delta = 0x1000;
-  EXPECT_EQ(Windows[1].MemoryStart, oldStart + delta);
-  EXPECT_EQ(Windows[1].TextMemoryStart, oldText + delta);
+  EXPECT_EQ(Windows[1].MemoryStart, oldStart + 0x1000);
+  EXPECT_EQ(Windows[1].TextMemoryStart, oldText + 0x1000);
   EXPECT_EQ(VideoMemory[Windows[1].MemoryStart], 0x5A);
   EXPECT_EQ(VideoMemory[Windows[1].TextMemoryStart], 'Q');
   EXPECT_EQ(Windows[0].MemoryEnd, Windows[1].TextMemoryStart - 1);

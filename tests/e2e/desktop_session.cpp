@@ -21,10 +21,6 @@ void dieWithParent(QProcess& process) {
   process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
 }
 
-int milliseconds(Milliseconds duration) {
-  return static_cast<int>(duration.count());
-}
-
 QProcessEnvironment displayEnvironment(const QString& display) {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.remove("WAYLAND_DISPLAY");
@@ -68,12 +64,8 @@ QString DesktopProgram::log() {
   return log_;
 }
 
-bool DesktopProgram::isRunning() const {
-  return process_.state() == QProcess::Running;
-}
-
 int DesktopProgram::waitForExit(Milliseconds timeout) {
-  const bool ended = process_.waitForFinished(milliseconds(timeout));
+  const bool ended = process_.waitForFinished(static_cast<int>(timeout.count()));
   log();
   if (!ended || process_.exitStatus() != QProcess::NormalExit) return -1;
   return process_.exitCode();
@@ -97,26 +89,18 @@ void DesktopTest::TearDown() {
   stop(server_);
 }
 
-std::unique_ptr<DesktopProgram> DesktopTest::start(const QString& path) {
-  return std::make_unique<DesktopProgram>(path, display_);
-}
-
 QByteArray DesktopTest::runClient(const QString& program, const QStringList& arguments,
                                   Milliseconds timeout) {
   QProcess client;
   dieWithParent(client);
   client.setProcessEnvironment(displayEnvironment(display_));
   client.start(program, arguments);
-  const bool ended = client.waitForFinished(milliseconds(timeout));
-  const QString call = program + ' ' + arguments.join(' ');
-  if (!ended) {
+  const bool ended = client.waitForFinished(static_cast<int>(timeout.count()));
+  if (!ended || client.exitStatus() != QProcess::NormalExit || client.exitCode() != 0) {
     stop(client);
-    ADD_FAILURE() << call.toStdString() << " did not finish in time";
-    return {};
-  }
-  if (client.exitStatus() != QProcess::NormalExit || client.exitCode() != 0) {
-    ADD_FAILURE() << call.toStdString()
-                  << " failed: " << client.readAllStandardError().toStdString();
+    ADD_FAILURE() << (program + ' ' + arguments.join(' ')).toStdString()
+                  << (ended ? " failed: " : " did not finish in time")
+                  << client.readAllStandardError().toStdString();
     return {};
   }
   return client.readAllStandardOutput();
@@ -156,10 +140,6 @@ void DesktopTest::keepPicture(const QImage& picture, const QString& name) {
   const QString folder = qEnvironmentVariable("RVTOOLS_SCREENSHOTS");
   if (folder.isEmpty()) return;
   EXPECT_TRUE(picture.save(QDir(folder).filePath(name + ".png"), "PNG"));
-}
-
-QRect cellArea(int column, int line) {
-  return {Border + CellWidth * column, Border + CellHeight * line, CellWidth, CellHeight};
 }
 
 QImage contentOf(const QImage& window, int columns, int lines) {

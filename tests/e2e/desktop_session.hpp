@@ -30,7 +30,7 @@ class DesktopProgram {
   // Waits until the log holds `line` as a whole line.
   bool waitForLogLine(const QString& line, Milliseconds timeout);
   QString log();
-  bool isRunning() const;
+  bool isRunning() const { return process_.state() == QProcess::Running; }
   // Waits for the program to end; its exit code, or -1 when it did not end normally in time.
   int waitForExit(Milliseconds timeout);
 
@@ -44,7 +44,9 @@ class DesktopTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  std::unique_ptr<DesktopProgram> start(const QString& path);
+  std::unique_ptr<DesktopProgram> start(const QString& path) {
+    return std::make_unique<DesktopProgram>(path, display_);
+  }
   // The visible window titled exactly `title`, waited for; empty when it does not appear.
   QString findWindow(const QString& title);
   // Focuses `window` and sends the keys (xdotool key names) one after another.
@@ -53,11 +55,12 @@ class DesktopTest : public ::testing::Test {
   void typeText(const QString& window, const QString& text);
   // The X server's picture of `window`; a null image when it could not be taken.
   QImage screenshot(const QString& window);
+  // Saves `picture` as <name>.png into the folder named by RVTOOLS_SCREENSHOTS, when it is set;
+  // this is how the pictures of the demo in docs/ are taken.
+  static void keepPicture(const QImage& picture, const QString& name);
   // Takes pictures of `window` until one satisfies `wanted`, or the time is up; the last one.
   QImage waitForPicture(const QString& window, const std::function<bool(const QImage&)>& wanted,
                         Milliseconds timeout);
-  // Saves `picture` as <name>.png into the folder named by RVTOOLS_SCREENSHOTS, when it is set.
-  static void keepPicture(const QImage& picture, const QString& name);
 
  private:
   // Runs an X client on the test's display with a time limit; its standard output.
@@ -71,7 +74,9 @@ class DesktopTest : public ::testing::Test {
 // Where things lie in the picture of a graphic window with a border of 16 pixels around
 // characters of 16 x 32 pixels; columns and lines count from 0.
 inline constexpr int Border = 16, CellWidth = 16, CellHeight = 32;
-QRect cellArea(int column, int line);
+inline QRect cellArea(int column, int line) {
+  return {Border + CellWidth * column, Border + CellHeight * line, CellWidth, CellHeight};
+}
 // The window's content of `columns` x `lines` characters with its border, cut from the bottom
 // of the window's picture: whatever the window shows above it, such as a menu bar, stays out.
 // Null when the picture is smaller.

@@ -71,14 +71,14 @@ TEST_F(KessvindTest, NoDelayFillsTheTubEndsTheProgramAndKeepsTheWindow) {
   const QImage shot = waitForPicture(
       window_, [&](const QImage& s) { return pixelsOfColour(content(s), closingText, Red) > 200; },
       5s);
+  ASSERT_FALSE(shot.isNull());
+  keepPicture(shot, "kessvind-full");
   const QImage picture = content(shot);
-  ASSERT_FALSE(picture.isNull());
   EXPECT_GT(pixelsOfColour(picture, closingText, Red), 200);
   EXPECT_EQ(pixelsOfColour(picture, cellArea(15, 24).united(cellArea(79, 24)), Red), 0);
   EXPECT_TRUE(tubIsDrawn(picture));
   EXPECT_EQ(loResPoint(picture, 40, 39), TubGreen);
   EXPECT_GT(bitsInTheTub(picture), 1000);
-  keepPicture(shot, "kessvind-full");
 
   std::this_thread::sleep_for(1s);
   EXPECT_TRUE(program->isRunning());

@@ -3,6 +3,7 @@
 
 #include <QTest>
 #include <mutex>
+#include <sstream>
 
 #include "runtime/log.hpp"
 #include "shell/qt_host.hpp"
@@ -52,11 +53,8 @@ void ShellTest::TearDown() {
 std::vector<std::string> ShellTest::logLines() const {
   std::lock_guard lock(logMutex);
   std::vector<std::string> lines;
-  std::size_t start = 0;
-  for (std::size_t end; (end = capturedLog.find('\n', start)) != std::string::npos;
-       start = end + 1) {
-    lines.push_back(capturedLog.substr(start, end - start));
-  }
+  std::istringstream text(capturedLog);
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
 }
 

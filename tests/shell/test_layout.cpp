@@ -38,18 +38,13 @@ TEST(PictureLayoutTest, ScalesByWholeFactorsCentredAndFractionalOnlyBelowOne) {
 }
 
 TEST(KeyTranslationTest, PhysicalKeysMapToTheRuntimesNumbers) {
-  // X11 key codes are evdev codes + 8: A, Q, Return, Escape, keypad 7, F1, Left, Up, the key
-  // beside the left shift key.
-  EXPECT_EQ(keyNumberOfScanCode(30 + 8), 0);
-  EXPECT_EQ(keyNumberOfScanCode(16 + 8), 12);
-  EXPECT_EQ(keyNumberOfScanCode(28 + 8), 36);
-  EXPECT_EQ(keyNumberOfScanCode(1 + 8), 53);
-  EXPECT_EQ(keyNumberOfScanCode(71 + 8), 89);
-  EXPECT_EQ(keyNumberOfScanCode(59 + 8), 122);
-  EXPECT_EQ(keyNumberOfScanCode(105 + 8), 123);
-  EXPECT_EQ(keyNumberOfScanCode(103 + 8), 126);
-  EXPECT_EQ(keyNumberOfScanCode(86 + 8), 50);
-  EXPECT_EQ(keyNumberOfScanCode(41 + 8), 10);  // left of 1, as on an ISO keyboard
+  // X11 key codes are evdev codes + 8. The keys: A, Q, Return, Escape, keypad 7, F1, Left, Up,
+  // the key beside the left shift key, and the key left of 1, numbered as on an ISO keyboard.
+  const int evdevCodes[] = {30, 16, 28, 1, 71, 59, 105, 103, 86, 41};
+  const Int keyNumbers[] = {0, 12, 36, 53, 89, 122, 123, 126, 50, 10};
+  for (std::size_t k = 0; k < std::size(evdevCodes); ++k) {
+    EXPECT_EQ(keyNumberOfScanCode(evdevCodes[k] + 8), keyNumbers[k]) << evdevCodes[k];
+  }
   EXPECT_EQ(keyNumberOfScanCode(0), UnknownKey);
   EXPECT_EQ(keyNumberOfScanCode(29 + 8), UnknownKey);  // left control
   EXPECT_EQ(keyNumberOfScanCode(100000), UnknownKey);
