@@ -16,7 +16,7 @@ constexpr Int KeyNumberCount = 140;
 
 // The runtime's key number of each evdev code (index), UnknownKey where the numbering has none.
 // The key left of 1 (evdev 41) and the key beside the left shift key (evdev 86) are numbered as
-// on an ISO keyboard of the reference numbering, 10 and 50: so the dead circumflex left of 1 on
+// on an ISO keyboard of this numbering, 10 and 50: so the dead circumflex left of 1 on
 // a German keyboard is key 10, whose empty character the key handler turns into "^".
 constexpr std::array<Int, KeyNumberCount> evdevKeyNumbers() {
   std::array<Int, KeyNumberCount> numbers{};
