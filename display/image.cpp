@@ -13,6 +13,8 @@
 #include <immintrin.h>
 #endif
 
+#include "runtime/checks.hpp"
+#include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "rvtools/display.hpp"
 #include "rvtools/host.hpp"
@@ -246,10 +248,6 @@ void compose(const Picture& picture, UInt8* out) {
   }
 }
 
-bool supportedDepth(Int depth) {
-  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
-}
-
 // The bytes that composing reads: every byte that a pixel's address formula reaches.
 Int bytesRead(Int width, Int height, Int depth) {
   const Int pixels = width * height;
@@ -283,7 +281,7 @@ std::optional<Picture> pictureToShow(UInt8 window) {
     logNotCollected();
     return std::nullopt;
   }
-  if (!supportedDepth(depth)) {
+  if (!isSupportedDepth(depth)) {
     // One line for every pixel that could not be converted.
     for (Int p = 0; p < width * height; ++p) logLine("t_WindowImage: Illegal bit depth.");
     return std::nullopt;
@@ -310,7 +308,7 @@ void composeInOrder(const Picture& picture, UInt8* out, PixelOrder order) {
 void recordStatistics(UInt8 window, double started) {
   t_Window& record = Windows[window];
   record.UpdateDuration = microseconds(host().absoluteTime()) - microseconds(started);
-  record.UpdateFinished = static_cast<Int>(host().absoluteTime() * 1000.0);
+  record.UpdateFinished = absoluteMilliseconds();
 }
 
 std::size_t imageBytes(const Picture& picture) {

@@ -2,6 +2,7 @@
 // with AutoUpdate to redraw once per 1000 / RefreshRate milliseconds. VerticalBlank is the only
 // handshake: while a view composes its picture the flag is false and the loop leaves that
 // window alone.
+#include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/display.hpp"
@@ -10,10 +11,6 @@
 
 namespace rvtools {
 namespace {
-
-Int nowInMilliseconds() {
-  return static_cast<Int>(host().absoluteTime() * 1000.0);
-}
 
 bool isDue(const t_Window& record, Int now) {
   const Int rate = record.RefreshRate;
@@ -27,12 +24,12 @@ bool refreshDueWindows() {
   for (UInt8 n = 0; n < 8; ++n) {
     t_Window& record = Windows[n];
     if (!record.Initialized || !record.AutoUpdate || !record.VerticalBlank) continue;
-    if (!isDue(record, nowInMilliseconds())) continue;
+    if (!isDue(record, absoluteMilliseconds())) continue;
     if (host().viewHandle(n) == nullptr) {
       logLine("t_WindowAutoUpdateProcess: Window #", n, " view is nil, resource undefined.");
       continue;
     }
-    record.UpdateStarted = nowInMilliseconds();
+    record.UpdateStarted = absoluteMilliseconds();
     host().displayView(n, true);
     refreshed = true;
   }

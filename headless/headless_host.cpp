@@ -4,12 +4,10 @@
 // file panels live in memory.
 #include "rvtools/headless.hpp"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <climits>
 #include <thread>
 
+#include "runtime/files.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/runtime.hpp"
@@ -18,21 +16,6 @@ namespace rvtools {
 namespace {
 
 constexpr ScreenSize HeadlessScreen = {1920, 1080};
-
-// The <Name>.app folder around the running executable (<Name>.app/Contents/MacOS/program), or
-// the executable's folder when it lies in no bundle.
-std::string bundleAroundExecutable() {
-  char buffer[PATH_MAX];
-  const ssize_t length = readlink("/proc/self/exe", buffer, sizeof buffer - 1);
-  if (length <= 0) return ".";
-  std::string path(buffer, static_cast<size_t>(length));
-  path.erase(path.rfind('/'));
-  const std::string contents = "/Contents/MacOS";
-  if (path.size() > contents.size() && path.ends_with(contents)) {
-    path.erase(path.size() - contents.size());
-  }
-  return path;
-}
 
 // Handles are the addresses of the host's own records, so they are unique and never null.
 PlatformHandle handleOf(const void* record) {

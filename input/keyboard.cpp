@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "runtime/utilities.hpp"
@@ -198,13 +199,6 @@ KeyMeaning generalRuleMeaning(Int scalar) {
   return noEvent();
 }
 
-Int millisecondsNow() {
-  const double milliseconds = host().absoluteTime() * 1000.0;
-  constexpr double Limit = 9223372036854775808.0;  // 2^63
-  if (!(milliseconds > -Limit && milliseconds < Limit)) return 0;
-  return static_cast<Int>(milliseconds);
-}
-
 void setModifierGlobals(Int flags) {
   CapsLockDown = flagSet(flags, CapsLockFlag);
   ShiftDown = flagSet(flags, ShiftFlag);
@@ -223,7 +217,7 @@ void queueKeyEvent(UInt8 window, Int keyCode, const std::string& characters, Int
   event.Value = meaning.value;
   event.Mods = (flags >> 16) & 0xFFFF;
   event.Window = window;
-  event.Time = millisecondsNow();
+  event.Time = absoluteMilliseconds();
   event.CapsLockPressed = flagSet(flags, CapsLockFlag);
   event.ShiftPressed = flagSet(flags, ShiftFlag);
   event.ControlPressed = flagSet(flags, ControlFlag);

@@ -9,6 +9,7 @@
 #include <mutex>
 
 #include "runtime/aux_windows.hpp"
+#include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "rvtools/display.hpp"
 #include "rvtools/host.hpp"
@@ -81,7 +82,7 @@ void deleteWindowItem(const std::string& menuTitle, const std::string& itemTitle
 
 t_MenuEvent menuEvent(const t_MenuItem& item) {
   t_MenuEvent event;
-  event.Time = static_cast<Int>(host().absoluteTime() * 1000.0);
+  event.Time = absoluteMilliseconds();
   if (!item.InMenu) return event;
   event.Kind = 3;
   event.MenuTitle = item.MenuTitle;

@@ -5,6 +5,7 @@
 // operations.
 #include <mutex>
 
+#include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/host.hpp"
@@ -54,7 +55,7 @@ t_Event mouseEvent(UInt8 window, const t_MouseClick& click, Int absX, Int absY, 
   event.ClickY = clickY;
   event.Mods = (flags >> 16) & 0xFFFF;
   event.Window = window;
-  event.Time = static_cast<Int>(host().absoluteTime() * 1000.0);
+  event.Time = absoluteMilliseconds();
   event.CapsLockPressed = (flags & CapsLockFlag) != 0;
   event.ShiftPressed = (flags & ShiftFlag) != 0;
   event.ControlPressed = (flags & ControlFlag) != 0;

@@ -19,6 +19,10 @@ t_Window* checkedWindow(std::string_view operation, UInt8 window, Needs needs) {
   return &record;
 }
 
+bool isSupportedDepth(Int depth) {
+  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
+}
+
 Int pictureByteCount(Int width, Int height, Int depth) {
   if (depth == 1) return width * height / 8;
   if (depth == 4) return width * height / 2;

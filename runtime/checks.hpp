@@ -28,6 +28,9 @@ struct TextCells {
 
 TextCells textCells(const t_Window& record);
 
+// Whether `depth` is one of the bit depths a graphic memory can have: 1, 4, 8, 16, 24, 32.
+bool isSupportedDepth(Int depth);
+
 // The bytes of a picture of width x height pixels at `depth` bits, rows without padding.
 Int pictureByteCount(Int width, Int height, Int depth);
 

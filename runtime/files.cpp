@@ -1,5 +1,6 @@
 // Whole-file reading with POSIX calls. Only regular files are read: a directory, a device or a
 // named pipe yields no bytes, so that a wrong name can neither fail oddly nor block the caller.
+// Also the bundle folder around the executable, where the resources lie.
 #include "runtime/files.hpp"
 
 #include <fcntl.h>
@@ -7,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 
 namespace rvtools {
 namespace {
@@ -42,6 +44,19 @@ std::vector<UInt8> readWholeFile(const std::string& path) {
   close(descriptor);
   if (!complete) return {};
   return bytes;
+}
+
+std::string bundleAroundExecutable() {
+  char buffer[PATH_MAX];
+  const ssize_t length = readlink("/proc/self/exe", buffer, sizeof buffer - 1);
+  if (length <= 0) return ".";
+  std::string path(buffer, static_cast<size_t>(length));
+  path.erase(path.rfind('/'));
+  const std::string contents = "/Contents/MacOS";
+  if (path.size() > contents.size() && path.ends_with(contents)) {
+    path.erase(path.size() - contents.size());
+  }
+  return path;
 }
 
 }  // namespace rvtools

@@ -33,10 +33,6 @@ std::string prefix(UInt8 window) {
   return "t_InitWindow: GraphicWindow #" + std::to_string(window);
 }
 
-bool supportedDepth(Int depth) {
-  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
-}
-
 // Copies a block upward by delta bytes, its top byte first, so that no byte is overwritten
 // before it has been read.
 void moveBlockUp(Int start, Int end, Int delta) {
@@ -173,7 +169,7 @@ void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int he
     logLine(p, " cannot display ", height, " vertical pixel.");
     height = 800;
   }
-  if (!supportedDepth(bitDepth)) {
+  if (!isSupportedDepth(bitDepth)) {
     logLine(p, " unsupported ", bitDepth, " bit depth.");
     return;
   }

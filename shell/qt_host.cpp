@@ -18,6 +18,7 @@
 #include <memory>
 #include <mutex>
 
+#include "runtime/files.hpp"
 #include "rvtools/display.hpp"
 
 namespace rvtools::shell {
@@ -33,15 +34,6 @@ int clampedExtent(Int extent) {
 
 int clampedPosition(Int position) {
   return static_cast<int>(std::clamp<Int>(position, -LargestPosition, LargestPosition));
-}
-
-// The <Name>.app folder around the executable (<Name>.app/Contents/MacOS/program), or the
-// executable's folder when it lies in no bundle.
-std::string bundleAroundExecutable() {
-  QString folder = QCoreApplication::applicationDirPath();
-  const QString contents = QStringLiteral("/Contents/MacOS");
-  if (folder.size() > contents.size() && folder.endsWith(contents)) folder.chop(contents.size());
-  return folder.toStdString();
 }
 
 // The pasteboard's text view shows text as it is, in a fixed-pitch font of 12 points.

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string>
 
+#include "runtime/files.hpp"
 #include "rvtools/shell.hpp"
 #include "shell/app_delegate.hpp"
 #include "shell/qt_host.hpp"
@@ -24,19 +25,12 @@ bool displayIsNamed() {
   return false;
 }
 
-// The name of the bundle <Name>.app around the executable (<Name>.app/Contents/MacOS/program),
-// or the executable's own name when it lies in no bundle.
+// The name of the bundle <Name>.app around the executable, or the executable's own name when
+// it lies in no bundle.
 std::string programName(const char* invokedAs) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  fs::path executable = fs::read_symlink("/proc/self/exe", error);
-  if (error) executable = invokedAs != nullptr ? invokedAs : "";
-  const fs::path folder = executable.parent_path();
-  const fs::path bundle = folder.parent_path().parent_path();
-  const bool inBundle = folder.filename() == "MacOS" &&
-                        folder.parent_path().filename() == "Contents" &&
-                        bundle.extension() == ".app";
-  return (inBundle ? bundle.stem() : executable.filename()).string();
+  const std::filesystem::path bundle = bundleAroundExecutable();
+  if (bundle.extension() == ".app") return bundle.stem().string();
+  return std::filesystem::path(invokedAs != nullptr ? invokedAs : "").filename().string();
 }
 
 }  // namespace

@@ -121,10 +121,6 @@ bool withinSides(Int value) {
   return value >= 1 && value <= LargestSide;
 }
 
-bool supportedDepth(Int depth) {
-  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
-}
-
 // Whether the record's sizes and block addresses are those of a real window and the area lies
 // inside its text memory and picture.
 bool fastScrollGeometry(const t_Window& record, const Area& area) {
@@ -132,9 +128,10 @@ bool fastScrollGeometry(const t_Window& record, const Area& area) {
   return insideVideoMemory(record.MemoryStart) && insideVideoMemory(record.TextMemoryStart) &&
          insideVideoMemory(record.TextMemoryEnd) && withinSides(record.Width) &&
          withinSides(record.Height) && withinSides(font.Width) && withinSides(font.Height) &&
-         withinSides(record.TextWidth) && supportedDepth(record.BitDepth) && area.firstLine >= 1 &&
-         area.firstLine <= area.lastLine && area.lastLine <= record.TextHeight &&
-         withinSides(area.lastLine) && font.Height * area.lastLine <= record.Height &&
+         withinSides(record.TextWidth) && isSupportedDepth(record.BitDepth) &&
+         area.firstLine >= 1 && area.firstLine <= area.lastLine &&
+         area.lastLine <= record.TextHeight && withinSides(area.lastLine) &&
+         font.Height * area.lastLine <= record.Height &&
          font.Width * area.lastColumn <= record.Width;
 }
 
