@@ -19,7 +19,13 @@ using rvtools::UInt8;
 
 namespace {
 
-constexpr UInt8 Screen = 0;
+// The window opened first; every call but the window frame operations and the quit goes to
+// it through DefaultWindow, which that first t_InitWindow sets.
+constexpr UInt8 FirstWindow = 0;
+
+UInt8 screen() {
+  return rvtools::DefaultWindow;
+}
 
 // The title in block letters, five rows of 51 characters; an asterisk is a point. Bits are only
 // dropped into columns whose top point is free, and the top row leaves column 41 free on
@@ -45,12 +51,12 @@ constexpr Int SpeckColour = 11;
 constexpr Int CounterColour = 12;
 
 bool isFree(Int x, Int y) {
-  return rvtools::t_Scrn(Screen, x, y) == 0;
+  return rvtools::t_Scrn(screen(), x, y) == 0;
 }
 
 void plot(Int x, Int y, Int colour) {
-  rvtools::t_Color(Screen, colour);
-  rvtools::t_Plot(Screen, x, y);
+  rvtools::t_Color(screen(), colour);
+  rvtools::t_Plot(screen(), x, y);
 }
 
 }  // namespace
@@ -59,54 +65,54 @@ void plot(Int x, Int y, Int colour) {
 // Set-up: the window, the header, the questions and the scene.
 
 void openScreen() {
-  rvtools::t_InitWindow(Screen, 24, 80, 25, 16, "MenloBold 16x32.font");
-  rvtools::t_Graphic(Screen, true);
-  rvtools::t_LoResOffset(Screen, 0, 10);
-  rvtools::t_CursorHome(Screen);
-  rvtools::t_WindowCenter(0);
-  rvtools::t_WindowFront(0);
-  rvtools::t_Header(Screen, "Kessvind", "ein Tropfenspiel mit rvtools");
-  rvtools::t_WindowFont(Screen, rvtools::t_LoadFontResource("MenloRegular 16x32.font"));
-  rvtools::t_TextLine(Screen);
-  rvtools::t_ClearEndOfLine(Screen);
-  rvtools::t_Cr(Screen);
-  rvtools::t_ClearEndOfLine(Screen);
+  rvtools::t_InitWindow(FirstWindow, 24, 80, 25, 16, "MenloBold 16x32.font");
+  rvtools::t_Graphic(screen(), true);
+  rvtools::t_LoResOffset(screen(), 0, 10);
+  rvtools::t_CursorHome(screen());
+  rvtools::t_WindowCenter(FirstWindow);
+  rvtools::t_WindowFront(FirstWindow);
+  rvtools::t_Header(screen(), "Kessvind", "ein Tropfenspiel mit rvtools");
+  rvtools::t_WindowFont(screen(), rvtools::t_LoadFontResource("MenloRegular 16x32.font"));
+  rvtools::t_TextLine(screen());
+  rvtools::t_ClearEndOfLine(screen());
+  rvtools::t_Cr(screen());
+  rvtools::t_ClearEndOfLine(screen());
 }
 
 Settings askSettings() {
   Settings settings;
   const std::string answer =
-      rvtools::t_InputForm(Screen, "Verzögerung in hundertstel ms: ", "5000", false, 2, 5);
+      rvtools::t_InputForm(screen(), "Verzögerung in hundertstel ms: ", "5000", false, 2, 5);
   settings.delay = rvtools::BytesToInteger(rvtools::TextToBytes(answer));
   // Fast runs never ask and never click.
   if (settings.delay >= 1000) {
-    rvtools::t_Vtab(Screen, 4);
-    rvtools::t_Print(Screen, "Tropfen-Sound ausgeben [J/N] ? ");
-    rvtools::t_ClearEndOfLine(Screen);
-    settings.sound = rvtools::t_GetYesNo(Screen, 1, true) == 1;
+    rvtools::t_Vtab(screen(), 4);
+    rvtools::t_Print(screen(), "Tropfen-Sound ausgeben [J/N] ? ");
+    rvtools::t_ClearEndOfLine(screen());
+    settings.sound = rvtools::t_GetYesNo(screen(), 1, true) == 1;
   }
-  rvtools::t_Cr(Screen);
-  rvtools::t_Vtab(Screen, 4);
-  rvtools::t_Print(Screen, "Schauen Sie zu, wie die Bits in die Zolbe tropfen:");
-  rvtools::t_ClearEndOfLine(Screen);
+  rvtools::t_Cr(screen());
+  rvtools::t_Vtab(screen(), 4);
+  rvtools::t_Print(screen(), "Schauen Sie zu, wie die Bits in die Zolbe tropfen:");
+  rvtools::t_ClearEndOfLine(screen());
   return settings;
 }
 
 void drawScene() {
-  rvtools::t_Color(Screen, TubColour);
+  rvtools::t_Color(screen(), TubColour);
   for (Int x : {0, 1, 78, 79}) {
-    for (Int y = 0; y <= 79; ++y) rvtools::t_Plot(Screen, x, y);
+    for (Int y = 0; y <= 79; ++y) rvtools::t_Plot(screen(), x, y);
   }
   for (Int y : {38, 39}) {
-    for (Int x = 0; x <= 79; ++x) rvtools::t_Plot(Screen, x, y);
+    for (Int x = 0; x <= 79; ++x) rvtools::t_Plot(screen(), x, y);
   }
-  rvtools::t_Color(Screen, BannerColour);
-  for (Int row = 0; row < 5; ++row) rvtools::t_PlotString(Screen, BannerLeft, row, Banner[row]);
-  rvtools::t_Color(Screen, SpeckColour);
+  rvtools::t_Color(screen(), BannerColour);
+  for (Int row = 0; row < 5; ++row) rvtools::t_PlotString(screen(), BannerLeft, row, Banner[row]);
+  rvtools::t_Color(screen(), SpeckColour);
   for (Int speck = 0; speck < SpeckCount; ++speck) {
     const Int x = rvtools::t_Random(75) + 2;
     const Int y = rvtools::t_Random(29) + 8;
-    rvtools::t_Plot(Screen, x, y);
+    rvtools::t_Plot(screen(), x, y);
   }
 }
 
@@ -161,10 +167,10 @@ Bit newBit() {
 }
 
 void showCount(Int count) {
-  rvtools::t_Htab(Screen, CounterColumn);
-  rvtools::t_Color(Screen, CounterColour);
-  rvtools::t_Print(Screen, count == 0 ? std::string("1 Bit in der Zolbe.")
-                                      : std::to_string(count + 1) + " Bits in der Zolbe.");
+  rvtools::t_Htab(screen(), CounterColumn);
+  rvtools::t_Color(screen(), CounterColour);
+  rvtools::t_Print(screen(), count == 0 ? std::string("1 Bit in der Zolbe.")
+                                        : std::to_string(count + 1) + " Bits in der Zolbe.");
 }
 
 void fall(Bit& bit, const Settings& settings) {
@@ -217,11 +223,13 @@ Int runDrops(const Settings& settings) {
 // The whole program, and its end.
 
 void program() {
+  // Edit > Paste types the pasted text, so that a delay can be pasted at the prompt.
+  rvtools::t_SetPasteHandler(rvtools::t_PasteAsKeys);
   openScreen();
   const Settings settings = askSettings();
   drawScene();
   runDrops(settings);
-  rvtools::t_QuitProgram(0);
+  rvtools::t_QuitProgram(FirstWindow);
 }
 
 }  // namespace kessvind

@@ -4,7 +4,7 @@
 
 #include "runtime/checks.hpp"
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {

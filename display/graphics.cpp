@@ -14,6 +14,7 @@
 #include "runtime/log.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/display.hpp"
+#include "rvtools/font_codes.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 
@@ -281,6 +282,36 @@ std::string t_GetScreen(UInt8 window, const std::string& separator) {
   }
   if (separator.empty()) return screen;
   return withoutTrailingBlanks(screen);
+}
+
+std::string unicodeOfFontCodes(std::string_view codes) {
+  std::string text;
+  for (const char32_t scalar : scalarsOf(codes)) {
+    text += utf8Of(scalar <= 255 ? fontCodeCharacter(static_cast<UInt8>(scalar)) : scalar);
+  }
+  return text;
+}
+
+// Read from the text memory itself rather than from t_GetScreen's lines, since a cell may hold
+// code 13 (a quarter block), which t_GetScreen's line separator cannot be told from.
+std::string unicodeScreenText(UInt8 window) {
+  t_Window* record = checkedWindow("t_GetScreen", window, Needs::TextMemory);
+  if (record == nullptr) return {};
+  const CellGrid grid = heldCells(*record);
+  std::string text;
+  for (Int line = 0; line < grid.lines; ++line) {
+    std::string characters;
+    Int kept = 0;  // bytes up to the last character that is not a blank
+    for (Int column = 0; column < grid.columns; ++column) {
+      const UInt8 code = VideoMemory[cellAddress(*record, column, line)];
+      characters += utf8Of(fontCodeCharacter(code));
+      if (code != Blank) kept = static_cast<Int>(characters.size());
+    }
+    characters.resize(static_cast<std::size_t>(kept));
+    text += characters;
+    text += '\n';
+  }
+  return text;
 }
 
 }  // namespace rvtools

@@ -17,7 +17,7 @@
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {

@@ -2,15 +2,40 @@
 // with AutoUpdate to redraw once per 1000 / RefreshRate milliseconds. VerticalBlank is the only
 // handshake: while a view composes its picture the flag is false and the loop leaves that
 // window alone.
+#include <functional>
+#include <mutex>
+
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
+#include "runtime/picture_versions.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {
 namespace {
+
+std::mutex& frameListenerMutex() {
+  static auto* mutex = new std::mutex;
+  return *mutex;
+}
+
+std::function<void(UInt8)>& frameListener() {
+  static auto* listener = new std::function<void(UInt8)>;
+  return *listener;
+}
+
+// Asks the view to show its picture and tells the frame listener.
+void display(UInt8 window, bool deferred) {
+  host().displayView(window, deferred);
+  std::function<void(UInt8)> listener;
+  {
+    std::lock_guard lock(frameListenerMutex());
+    listener = frameListener();
+  }
+  if (listener) listener(window);
+}
 
 bool isDue(const t_Window& record, Int now) {
   const Int rate = record.RefreshRate;
@@ -30,7 +55,7 @@ bool refreshDueWindows() {
       continue;
     }
     record.UpdateStarted = absoluteMilliseconds();
-    host().displayView(n, true);
+    display(n, true);
     refreshed = true;
   }
   return refreshed;
@@ -59,7 +84,13 @@ void t_WindowUpdate(UInt8 window, bool deferred) {
     logLine("t_WindowUpdate: Window #", window, " view is nil, resource undefined.");
     return;
   }
-  host().displayView(window, deferred);
+  markPictureChanged(window);
+  display(window, deferred);
+}
+
+void setFrameListener(std::function<void(UInt8 window)> listener) {
+  std::lock_guard lock(frameListenerMutex());
+  frameListener() = std::move(listener);
 }
 
 }  // namespace rvtools

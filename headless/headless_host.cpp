@@ -5,12 +5,10 @@
 #include "rvtools/headless.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
-#include "runtime/files.hpp"
-#include "runtime/log.hpp"
-#include "runtime/threads.hpp"
-#include "rvtools/runtime.hpp"
+#include "rvtools/host.hpp"
 
 namespace rvtools {
 namespace {
@@ -311,12 +309,11 @@ void HeadlessHost::preparePasteboardView() {
 int runHeadless(int, char**, std::function<void()> entry) {
   static auto* host = new HeadlessHost;
   setHost(*host);
-  CurrentThreadNumber();
-  initrvtools();
-  logLine("Program: Start.");
-  startprocess(std::move(entry), ProgramThreadStackSize);
-  LaunchFinished = true;
-  while (ProgramStartPending || runningProgramThreads() > 0) sleepFor(0, 10000000);
+  runLaunchSequence(std::move(entry));
+  while (ProgramStartPending || runningProgramThreads() > 0) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  runTerminationSequence();
   return 0;
 }
 

@@ -13,36 +13,17 @@
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "runtime/utilities.hpp"
-#include "rvtools/host.hpp"
 #include "rvtools/input.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 
 namespace rvtools {
 namespace {
 
-// Function keys deliver private-use characters from U+F704 (F1) upward; the program sees them
-// as codes from 129 upward.
-constexpr Int FirstFunctionKeyCharacter = 0xF704;
-constexpr Int FunctionKeyCodeOffset = 0xF683;
 constexpr Int LastLatin1Code = 255;
 constexpr Int KeyWaitStepNanoseconds = 10000000;
 constexpr Int KeyEventKind = 1;
-
-// Key numbers with a row of their own in the key-code table.
-constexpr Int SectionKey = 10;
-constexpr Int EqualsKey = 24;
-constexpr Int UKey = 32;
-constexpr Int LKey = 37;
-constexpr Int NKey = 45;
-constexpr Int TabKey = 48;
-constexpr Int DeleteKey = 51;
-constexpr Int KeypadClearKey = 71;
-constexpr Int Keypad0Key = 82;
-constexpr Int Keypad6Key = 88;
-constexpr Int Keypad7Key = 89;
-constexpr Int Keypad8Key = 91;
-constexpr Int Keypad9Key = 92;
 constexpr Int KeyCodesWithTableRows = 127;  // key codes from here on skip the table
 
 // What the key tables make of one key press.
@@ -79,16 +60,16 @@ struct CursorKey {
 };
 
 constexpr std::array<CursorKey, 10> CursorKeys{{
-    {115, 2, true},   // home
-    {116, 18, true},  // page up
-    {117, 7, false},  // forward delete
-    {119, 5, true},   // end
-    {121, 3, true},   // page down
-    {123, 8, true},   // left arrow
-    {124, 21, true},  // right arrow
-    {125, 10, true},  // down arrow
-    {126, 11, true},  // up arrow
-    {76, 13, false},  // keypad enter
+    {Key::Home, KeyValue::Home, true},
+    {Key::PageUp, KeyValue::PageUp, true},
+    {Key::ForwardDelete, KeyValue::ForwardDelete, false},
+    {Key::End, KeyValue::End, true},
+    {Key::PageDown, KeyValue::PageDown, true},
+    {Key::Left, KeyValue::Left, true},
+    {Key::Right, KeyValue::Right, true},
+    {Key::Down, KeyValue::Down, true},
+    {Key::Up, KeyValue::Up, true},
+    {Key::KeypadEnter, KeyValue::Return, false},
 }};
 
 // Option characters that lie beyond Latin-1: on their own key they become the font's symbol
@@ -135,13 +116,13 @@ std::optional<KeyMeaning> optionCharacterMeaning(Int keyCode, Int scalar) {
 // Dead keys deliver no characters; these keys still give the accent they carry.
 std::optional<KeyMeaning> deadKeyMeaning(Int keyCode, Int flags) {
   switch (keyCode) {
-    case SectionKey:
+    case Key::Section:
       return queued(0x5E);
-    case EqualsKey:
+    case Key::Equal:
       return queued(flagSet(flags, ShiftFlag) ? 0x60 : 0xB4);
-    case UKey:
+    case Key::U:
       return queued(0xAF);
-    case NKey:
+    case Key::N:
       if (flagSet(flags, OptionFlag)) return queued(0x7E);
       return std::nullopt;
     default:
@@ -154,11 +135,11 @@ std::optional<KeyMeaning> deadKeyMeaning(Int keyCode, Int flags) {
 std::optional<KeyMeaning> keypadSevenToNineMeaning(UInt8 window, Int keyCode, Int flags) {
   const bool option = flagSet(flags, OptionFlag);
   if (!option && flagSet(flags, ControlFlag)) {
-    t_RedirectOutput(window, keyCode == Keypad7Key ? 0 : keyCode == Keypad8Key ? 2 : 1);
+    t_RedirectOutput(window, keyCode == Key::Keypad7 ? 0 : keyCode == Key::Keypad8 ? 2 : 1);
     return noEvent();
   }
   if (option) {
-    return generalRule(keyCode == Keypad7Key ? 0xE5 : keyCode == Keypad8Key ? 0xE6 : 0xBC);
+    return generalRule(keyCode == Key::Keypad7 ? 0xE5 : keyCode == Key::Keypad8 ? 0xE6 : 0xBC);
   }
   return std::nullopt;
 }
@@ -168,22 +149,22 @@ std::optional<KeyMeaning> keypadSevenToNineMeaning(UInt8 window, Int keyCode, In
 std::optional<KeyMeaning> tableMeaning(UInt8 window, Int keyCode, Int scalar, bool empty,
                                        Int flags) {
   if (auto meaning = cursorKeyMeaning(keyCode)) return meaning;
-  if (keyCode == TabKey) {
-    if (scalar == 0x19) return queued(20);  // shifted tab
+  if (keyCode == Key::Tab) {
+    if (scalar == 0x19) return queued(KeyValue::ShiftTab);
     return std::nullopt;
   }
-  if (keyCode == LKey) {
+  if (keyCode == Key::L) {
     if (scalar == 0x0C && flagSet(flags, OptionFlag)) return queued(0);
     return std::nullopt;
   }
-  if (keyCode == DeleteKey) return queued(scalar);
+  if (keyCode == Key::Backspace) return queued(scalar);
   // The clear key has no code of its own.
-  if (keyCode == KeypadClearKey) return noEvent();
-  if (keyCode >= Keypad0Key && keyCode <= Keypad6Key) {
-    if (flagSet(flags, OptionFlag)) return queued(OptionKeypadCodes[keyCode - Keypad0Key]);
+  if (keyCode == Key::KeypadClear) return noEvent();
+  if (keyCode >= Key::Keypad0 && keyCode <= Key::Keypad6) {
+    if (flagSet(flags, OptionFlag)) return queued(OptionKeypadCodes[keyCode - Key::Keypad0]);
     return std::nullopt;
   }
-  if (keyCode == Keypad7Key || keyCode == Keypad8Key || keyCode == Keypad9Key) {
+  if (keyCode == Key::Keypad7 || keyCode == Key::Keypad8 || keyCode == Key::Keypad9) {
     return keypadSevenToNineMeaning(window, keyCode, flags);
   }
   if (empty) return deadKeyMeaning(keyCode, flags);
@@ -193,8 +174,8 @@ std::optional<KeyMeaning> tableMeaning(UInt8 window, Int keyCode, Int scalar, bo
 // Latin-1 characters pass as they are, function keys become 129 and up, the rest is dropped.
 KeyMeaning generalRuleMeaning(Int scalar) {
   if (scalar >= 0 && scalar <= LastLatin1Code) return queued(scalar);
-  if (scalar >= FirstFunctionKeyCharacter) {
-    return functionKeyPressed(scalar - FunctionKeyCodeOffset);
+  if (scalar >= KeyCharacter::F1) {
+    return functionKeyPressed(scalar - FunctionKeyValueOffset);
   }
   return noEvent();
 }
@@ -276,6 +257,76 @@ char32_t upperCased(char32_t c) {
   return asciiLower || latin1Lower ? c - 32 : c;
 }
 
+// The keys of the printable ASCII characters on a US keyboard, from 32 (blank) to 126 (~), and
+// whether shift is held for them.
+struct TypedKey {
+  Int keyNumber;
+  bool shift;
+};
+
+constexpr std::array<TypedKey, 95> AsciiKeys = [] {
+  std::array<TypedKey, 95> keys{};
+  constexpr Int Letters[26] = {Key::A, Key::B, Key::C, Key::D, Key::E, Key::F, Key::G,
+                               Key::H, Key::I, Key::J, Key::K, Key::L, Key::M, Key::N,
+                               Key::O, Key::P, Key::Q, Key::R, Key::S, Key::T, Key::U,
+                               Key::V, Key::W, Key::X, Key::Y, Key::Z};
+  constexpr Int Digits[10] = {Key::Digit0, Key::Digit1, Key::Digit2, Key::Digit3, Key::Digit4,
+                              Key::Digit5, Key::Digit6, Key::Digit7, Key::Digit8, Key::Digit9};
+  constexpr std::pair<char, TypedKey> Punctuation[] = {
+      {' ', {Key::Space, false}},      {'!', {Key::Digit1, true}},
+      {'"', {Key::Quote, true}},       {'#', {Key::Digit3, true}},
+      {'$', {Key::Digit4, true}},      {'%', {Key::Digit5, true}},
+      {'&', {Key::Digit7, true}},      {'\'', {Key::Quote, false}},
+      {'(', {Key::Digit9, true}},      {')', {Key::Digit0, true}},
+      {'*', {Key::Digit8, true}},      {'+', {Key::Equal, true}},
+      {',', {Key::Comma, false}},      {'-', {Key::Minus, false}},
+      {'.', {Key::Period, false}},     {'/', {Key::Slash, false}},
+      {':', {Key::Semicolon, true}},   {';', {Key::Semicolon, false}},
+      {'<', {Key::Comma, true}},       {'=', {Key::Equal, false}},
+      {'>', {Key::Period, true}},      {'?', {Key::Slash, true}},
+      {'@', {Key::Digit2, true}},      {'[', {Key::LeftBracket, false}},
+      {'\\', {Key::Backslash, false}}, {']', {Key::RightBracket, false}},
+      {'^', {Key::Digit6, true}},      {'_', {Key::Minus, true}},
+      {'`', {Key::Grave, false}},      {'{', {Key::LeftBracket, true}},
+      {'|', {Key::Backslash, true}},   {'}', {Key::RightBracket, true}},
+      {'~', {Key::Grave, true}},
+  };
+  for (int i = 0; i < 26; ++i) {
+    keys['a' + i - 32] = {Letters[i], false};
+    keys['A' + i - 32] = {Letters[i], true};
+  }
+  for (int i = 0; i < 10; ++i) keys['0' + i - 32] = {Digits[i], false};
+  for (const auto& [character, key] : Punctuation) keys[character - 32] = key;
+  return keys;
+}();
+
+// The control characters that have keys of their own; the others are typed with control.
+std::optional<KeyStroke> controlKeyStroke(char32_t character) {
+  switch (character) {
+    case U'\r':
+    case U'\n':
+      return KeyStroke{Key::Return, "\r", 0};
+    case U'\t':
+      return KeyStroke{Key::Tab, "\t", 0};
+    case 0x1B:
+      return KeyStroke{Key::Escape, "\x1B", 0};
+    case 0x7F:
+      return KeyStroke{Key::Backspace, "\x7F", 0};
+    default:
+      break;
+  }
+  const std::string typed(1, static_cast<char>(character));
+  if (character == 0) return KeyStroke{Key::Space, typed, ControlFlag};
+  if (character <= 26)
+    return KeyStroke{AsciiKeys['a' + character - 1 - 32].keyNumber, typed, ControlFlag};
+  constexpr Int Keys28To31[4] = {Key::Backslash, Key::RightBracket, Key::Digit6, Key::Minus};
+  if (character >= 28 && character <= 31) {
+    return KeyStroke{Keys28To31[character - 28], typed,
+                     ControlFlag | (character >= 30 ? ShiftFlag : 0)};
+  }
+  return std::nullopt;
+}
+
 Int yesNoAnswer(char32_t key, Int defaultAnswer) {
   switch (key) {
     case 13:
@@ -324,6 +375,54 @@ Int t_GetYesNo(UInt8 window, Int defaultAnswer, bool echo) {
   const Int answer = yesNoAnswer(c, defaultAnswer);
   if (echo) t_Print(window, std::string(answer == 1 ? "J" : "N"));
   return answer;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Typing a character
+
+Int functionKeyNumber(int n) {
+  constexpr Int Numbers[12] = {Key::F1, Key::F2, Key::F3, Key::F4,  Key::F5,  Key::F6,
+                               Key::F7, Key::F8, Key::F9, Key::F10, Key::F11, Key::F12};
+  return n >= 1 && n <= 12 ? Numbers[n - 1] : Key::Unknown;
+}
+
+std::optional<KeyStroke> keyStrokeOfCharacter(char32_t character) {
+  if (character < 32 || character == 0x7F) return controlKeyStroke(character);
+  if (character < 0x7F) {
+    const TypedKey key = AsciiKeys[character - 32];
+    return KeyStroke{key.keyNumber, utf8Of(character), key.shift ? ShiftFlag : 0};
+  }
+  if (character >= 0xA0 && character <= LastLatin1Code) {
+    return KeyStroke{Key::Unknown, utf8Of(character), 0};
+  }
+  for (const OptionCharacter& option : OptionCharacters) {
+    if (option.scalar == static_cast<Int>(character) && option.scalar > LastLatin1Code) {
+      return KeyStroke{option.keyCode, utf8Of(character), OptionFlag};
+    }
+  }
+  return std::nullopt;
+}
+
+// A carriage return followed by a line feed is one Return, as a text file from another system
+// means it.
+void t_PasteAsKeys() {
+  const UInt8 front = host().frontWindow();
+  const UInt8 window = front < 8 ? front : DefaultWindow.load();
+  if (window >= 8 || !MemoryInitialized || !Windows[window].Initialized) {
+    logLine("t_PasteAsKeys: Window #", window, " not initialized.");
+    return;
+  }
+  const std::vector<char32_t> text = scalarsOf(host().pasteboardText());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char32_t character = text[i];
+    if (character == U'\r' && i + 1 < text.size() && text[i + 1] == U'\n') continue;
+    const bool typed =
+        character >= 32 || character == U'\r' || character == U'\n' || character == U'\t';
+    if (!typed || character == 0x7F) continue;
+    if (const std::optional<KeyStroke> stroke = keyStrokeOfCharacter(character)) {
+      handleKeyDown(window, stroke->KeyNumber, stroke->Characters, stroke->Flags);
+    }
+  }
 }
 
 }  // namespace rvtools

@@ -10,8 +10,8 @@
 
 #include "runtime/checks.hpp"
 #include "runtime/utilities.hpp"
-#include "rvtools/host.hpp"
 #include "rvtools/input.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 

@@ -12,8 +12,8 @@
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
 #include "rvtools/input.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {
@@ -22,6 +22,11 @@ namespace {
 constexpr Int LastItem = 65535;
 constexpr Int OpenPanelAction = 100;
 constexpr Int SavePanelAction = 101;
+// Tags of the built-in menu actions: the window actions 200..231, then the copy, clear and
+// paste actions.
+constexpr Int FirstWindowAction = 200;
+constexpr Int LastWindowAction = 231;
+constexpr Int OtherActions[] = {110, 111, 112, 113, 114};
 constexpr Int FirstGraphicWindowAction = 213;
 constexpr Int LastGraphicWindowAction = 228;
 
@@ -44,6 +49,8 @@ std::function<void()>& ProgramMenuHandler() {
   return *handler;
 }
 
+bool menuHandlerInstalled = false;
+
 std::function<void()>& ProgramPasteHandler() {
   static auto* handler = new std::function<void()>(t_Beep);
   return *handler;
@@ -52,6 +59,19 @@ std::function<void()>& ProgramPasteHandler() {
 std::function<void()> currentHandler(std::function<void()>& handler) {
   std::lock_guard lock(handlerMutex());
   return handler;
+}
+
+// MenuActions is read on the interface thread and added to by the program.
+std::mutex& menuActionMutex() {
+  static auto* mutex = new std::mutex;
+  return *mutex;
+}
+
+t_MenuAction builtInAction(Int tag) {
+  t_MenuAction action;
+  action.Tag = tag;
+  action.Action = tag;
+  return action;
 }
 
 // The position an operation means: 65535 is the last item of a menu that has one.
@@ -82,9 +102,9 @@ void deleteWindowItem(const std::string& menuTitle, const std::string& itemTitle
 
 t_MenuEvent menuEvent(const t_MenuItem& item) {
   t_MenuEvent event;
-  event.Time = absoluteMilliseconds();
   if (!item.InMenu) return event;
   event.Kind = 3;
+  event.Time = absoluteMilliseconds();
   event.MenuTitle = item.MenuTitle;
   event.ItemTitle = item.ItemTitle;
   event.ItemKeyChar = item.KeyChar;
@@ -97,18 +117,23 @@ t_MenuEvent menuEvent(const t_MenuItem& item) {
 // The index of the first MenuActions entry serving `tag`.
 std::optional<std::size_t> menuActionIndex(Int tag) {
   if (tag == 0) return std::nullopt;
+  std::lock_guard lock(menuActionMutex());
   const auto entry = std::find_if(MenuActions.begin(), MenuActions.end(),
                                   [tag](const t_MenuAction& action) { return action.Tag == tag; });
   if (entry == MenuActions.end()) return std::nullopt;
   return static_cast<std::size_t>(entry - MenuActions.begin());
 }
 
-void runFilePanel(t_MenuAction& entry, bool save) {
+// The panel runs on a copy of the entry, so that the program may add entries meanwhile; the
+// chosen name and path are stored into the table afterwards.
+void runFilePanel(std::size_t index, const t_MenuAction& entry, bool save) {
   const std::string path =
       host().runFilePanel({save, entry.Title, entry.Note, entry.FileName, entry.FileTypes});
   if (path.empty()) return;
-  entry.FilePath = path;
-  entry.FileName = path.substr(path.rfind('/') + 1);
+  std::lock_guard lock(menuActionMutex());
+  if (index >= MenuActions.size()) return;
+  MenuActions[index].FilePath = path;
+  MenuActions[index].FileName = path.substr(path.rfind('/') + 1);
 }
 
 void copyFrontPicture() {
@@ -124,13 +149,14 @@ void copyFrontPicture() {
 
 void copyFrontText() {
   const UInt8 front = host().frontWindow();
-  std::optional<std::string> text;
   if (front < 8) {
-    text = t_GetScreen(front, "\r");
-  } else if (front == VirtualPrinterWindowNumber || front == SystemConsoleWindowNumber) {
-    text = textWindowText("t_MenuEventHandler", front);
+    host().setPasteboardScreenText(front, t_GetScreen(front, "\r"));
+    return;
   }
-  if (text) host().setPasteboardText(*text);
+  if (front != VirtualPrinterWindowNumber && front != SystemConsoleWindowNumber) return;
+  if (const std::optional<std::string> text = textWindowText("t_MenuEventHandler", front)) {
+    host().setPasteboardText(*text);
+  }
 }
 
 void pasteIntoFrontWindow() {
@@ -165,7 +191,13 @@ void showOrHideGraphicWindow(Int action) {
   showOrHide(window, offset % 2 == 0);
 }
 
-void runMenuAction(t_MenuAction& entry) {
+t_MenuAction menuActionAt(std::size_t index) {
+  std::lock_guard lock(menuActionMutex());
+  return MenuActions[index];
+}
+
+void runMenuAction(std::size_t index) {
+  const t_MenuAction entry = menuActionAt(index);
   const Int action = entry.Action;
   if (action >= FirstGraphicWindowAction && action <= LastGraphicWindowAction) {
     showOrHideGraphicWindow(action);
@@ -174,7 +206,7 @@ void runMenuAction(t_MenuAction& entry) {
   switch (action) {
     case OpenPanelAction:
     case SavePanelAction:
-      return runFilePanel(entry, action == SavePanelAction);
+      return runFilePanel(index, entry, action == SavePanelAction);
     case 110:
       return copyFrontPicture();
     case 111:
@@ -252,6 +284,15 @@ std::string t_MenuItemTitle(const std::string& menuTitle, Int position) {
   return (*titles)[static_cast<std::size_t>(position)];
 }
 
+void buildMenuActions() {
+  std::lock_guard lock(menuActionMutex());
+  MenuActions.clear();
+  for (Int tag = FirstWindowAction; tag <= LastWindowAction; ++tag) {
+    MenuActions.push_back(builtInAction(tag));
+  }
+  for (Int tag : OtherActions) MenuActions.push_back(builtInAction(tag));
+}
+
 void scanMenus() {
   for (const char* title : PlatformEditItems) {
     deleteItemTitled("Bearbeiten", title);
@@ -269,13 +310,14 @@ void scanMenus() {
 void t_MenuEventHandler(const t_MenuItem& item) {
   const t_MenuEvent event = menuEvent(item);
   const std::optional<std::size_t> entry = menuActionIndex(item.Tag);
-  if (entry) runMenuAction(MenuActions[*entry]);
+  if (entry) runMenuAction(*entry);
   MenuEventQueue.append(event);
   if (!entry) startprocessasync(currentHandler(ProgramMenuHandler()));
 }
 
 void t_SetMenuHandler(std::function<void()> handler) {
   std::lock_guard lock(handlerMutex());
+  menuHandlerInstalled = static_cast<bool>(handler);
   ProgramMenuHandler() = handler ? std::move(handler) : [] {};
 }
 
@@ -286,6 +328,22 @@ std::optional<t_MenuEvent> t_TakeMenuEvent() {
 void t_SetPasteHandler(std::function<void()> handler) {
   std::lock_guard lock(handlerMutex());
   ProgramPasteHandler() = handler ? std::move(handler) : t_Beep;
+}
+
+void t_AddMenuAction(const t_MenuAction& action) {
+  std::lock_guard lock(menuActionMutex());
+  MenuActions.push_back(action);
+}
+
+std::optional<t_MenuAction> t_MenuActionOf(Int tag) {
+  const std::optional<std::size_t> index = menuActionIndex(tag);
+  if (!index) return std::nullopt;
+  return menuActionAt(*index);
+}
+
+bool programMenuHandlerInstalled() {
+  std::lock_guard lock(handlerMutex());
+  return menuHandlerInstalled;
 }
 
 }  // namespace rvtools

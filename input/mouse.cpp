@@ -8,8 +8,8 @@
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
-#include "rvtools/host.hpp"
 #include "rvtools/input.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {

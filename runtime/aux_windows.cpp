@@ -5,7 +5,7 @@
 
 #include "runtime/files.hpp"
 #include "runtime/log.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {

@@ -1,7 +1,7 @@
 // The absolute clock in milliseconds, read through the host.
 #include "runtime/clock.hpp"
 
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 
 namespace rvtools {
 

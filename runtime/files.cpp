@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <climits>
 
+#include "rvtools/platform.hpp"
+
 namespace rvtools {
 namespace {
 

@@ -1,5 +1,6 @@
 // Internal: reading whole files into memory, for font resources and other files the runtime
-// or the shell opens by path, and the bundle folder that resources are looked up in.
+// opens by path. The bundle folder that resources are looked up in, bundleAroundExecutable, is
+// public (rvtools/platform.hpp), since every host names its windows and sounds after it.
 #pragma once
 
 #include <string>
@@ -12,9 +13,5 @@ namespace rvtools {
 // The bytes of the regular file at `path`; empty when it is missing, unreadable, empty or no
 // regular file. Logs nothing.
 std::vector<UInt8> readWholeFile(const std::string& path);
-
-// The <Name>.app folder around the running executable (<Name>.app/Contents/MacOS/program), or
-// the executable's own folder when it lies in no bundle.
-std::string bundleAroundExecutable();
 
 }  // namespace rvtools

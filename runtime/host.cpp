@@ -1,6 +1,6 @@
 // The installed host, and the host that stands in before one is installed: it has no windows,
 // no views, no menus, no text views and no sounds, so every platform request finds nothing.
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 
 #include <stdlib.h>
 #include <time.h>
@@ -68,6 +68,10 @@ double Host::absoluteTime() {
 
 std::uint32_t Host::randomWord() {
   return arc4random();
+}
+
+void Host::setPasteboardScreenText(UInt8, const std::string& screen) {
+  setPasteboardText(screen);
 }
 
 void setHost(Host& host) {

@@ -1,6 +1,8 @@
-// The runtime's log: standard output, or a sink that a test installs.
+// The runtime's log: standard output, or a sink that a host or a test installs, and a mirror
+// that sees every write.
 #include "runtime/log.hpp"
 
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 #include <cstdio>
@@ -19,10 +21,16 @@ std::function<void(std::string_view)>& logSink() {
   return *sink;
 }
 
+std::function<void(std::string_view)>& logMirror() {
+  static auto* mirror = new std::function<void(std::string_view)>;
+  return *mirror;
+}
+
 }  // namespace
 
 void logWrite(std::string_view text) {
   std::lock_guard lock(logMutex());
+  if (logMirror()) logMirror()(text);
   if (logSink()) {
     logSink()(text);
     return;
@@ -40,6 +48,11 @@ void t_Log(const std::string& line) {
 void setLogSink(std::function<void(std::string_view)> sink) {
   std::lock_guard lock(logMutex());
   logSink() = std::move(sink);
+}
+
+void setLogMirror(std::function<void(std::string_view)> mirror) {
+  std::lock_guard lock(logMutex());
+  logMirror() = std::move(mirror);
 }
 
 }  // namespace rvtools

@@ -1,11 +1,11 @@
 // Internal: the runtime's log, one writer to standard output.
 //
 // Messages are composed of fixed texts and decimal numbers; each write is flushed at once,
-// because some lines are written in pieces. Tests capture the log through `setLogSink`.
+// because some lines are written in pieces. Where the log goes (standard output, or a sink and
+// a mirror that a host or a test installs) is set through rvtools/platform.hpp.
 #pragma once
 
 #include <concepts>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -16,9 +16,6 @@ namespace rvtools {
 
 // Writes text to the log without adding a line end.
 void logWrite(std::string_view text);
-
-// Sends the log to `sink` instead of standard output; an empty sink restores standard output.
-void setLogSink(std::function<void(std::string_view)> sink);
 
 namespace detail {
 inline void appendLogPart(std::string& out, std::string_view text) {
@@ -41,13 +38,19 @@ void appendLogPart(std::string& out, const Relaxed<T>& value) {
 }
 }  // namespace detail
 
+// Writes the parts, texts as they are and numbers in decimal, without a line end: one piece of
+// a line that is written in pieces.
+template <typename... Parts>
+void logPiece(const Parts&... parts) {
+  std::string piece;
+  (detail::appendLogPart(piece, parts), ...);
+  logWrite(piece);
+}
+
 // Writes one line made of the parts: texts as they are, numbers in decimal.
 template <typename... Parts>
 void logLine(const Parts&... parts) {
-  std::string line;
-  (detail::appendLogPart(line, parts), ...);
-  line += '\n';
-  logWrite(line);
+  logPiece(parts..., "\n");
 }
 
 }  // namespace rvtools

@@ -1,6 +1,6 @@
 // Start-up and the program thread: the character tables, the program thread with its large
-// stack, callbacks on worker threads, the creation of the video memory and the window records,
-// and the thread registry behind CurrentThreadNumber.
+// stack, callbacks on worker threads, the sounds, and the thread registry behind
+// CurrentThreadNumber.
 #include <pthread.h>
 #include <stdlib.h>
 #include <time.h>
@@ -10,20 +10,13 @@
 #include <mutex>
 #include <thread>
 
-#include "input/menus.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {
 namespace {
-
-// Tags of the built-in menu actions: the window actions 200..231, then the copy, clear and
-// paste actions.
-constexpr Int FirstWindowAction = 200;
-constexpr Int LastWindowAction = 231;
-constexpr Int OtherActions[] = {110, 111, 112, 113, 114};
 
 std::atomic<Int> nextThreadNumber{1};
 std::atomic<int> programThreadCount{0};
@@ -81,21 +74,6 @@ void createProgramThread() {
     ProgramStartPending = false;
   }
   pthread_attr_destroy(&attributes);
-}
-
-t_MenuAction builtInAction(Int tag) {
-  t_MenuAction action;
-  action.Tag = tag;
-  action.Action = tag;
-  return action;
-}
-
-void buildMenuActions() {
-  MenuActions.clear();
-  for (Int tag = FirstWindowAction; tag <= LastWindowAction; ++tag) {
-    MenuActions.push_back(builtInAction(tag));
-  }
-  for (Int tag : OtherActions) MenuActions.push_back(builtInAction(tag));
 }
 
 }  // namespace
@@ -181,20 +159,6 @@ void startprocess(std::function<void()> entry, Int stackSize) {
 
 void startprocessasync(std::function<void()> entry) {
   std::thread(std::move(entry)).detach();
-}
-
-void t_InitMemory() {
-  if (MemoryInitStarted) return;
-  logLine("t_InitMemory: Start.");
-  MemoryInitStarted = true;
-  if (CurrentThreadNumber() == 2) nameCurrentThread("Main Program");
-  HighMemory = TopOfVideoMemory;
-  VideoMemory.assign(VideoMemorySize, 0xFF);
-  for (t_Window& record : Windows) record = t_Window{};
-  buildMenuActions();
-  scanMenus();
-  MemoryInitialized = true;
-  logLine("t_InitMemory: End.");
 }
 
 void t_Beep() {

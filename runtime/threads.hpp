@@ -2,7 +2,8 @@
 //
 // Threads are numbered in the order in which they first meet the registry: the interface
 // thread asks first at launch and becomes 1, the first program thread 2, the refresh thread 3.
-// The registry also keeps each thread's name and counts the program threads that run.
+// The registry also keeps each thread's name; runningProgramThreads (rvtools/platform.hpp)
+// counts the program threads that run.
 #pragma once
 
 #include <string>
@@ -16,9 +17,6 @@ std::string currentThreadDescription();
 
 // Names the calling thread; the system keeps at most 15 bytes of it.
 void nameCurrentThread(const std::string& name);
-
-// How many program threads (started by startprocess) have not yet ended.
-int runningProgramThreads();
 
 // Sleeps the calling thread for the given seconds and nanoseconds.
 void sleepFor(Int seconds, Int nanoseconds);

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {

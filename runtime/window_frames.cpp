@@ -5,7 +5,8 @@
 #include <cstdint>
 
 #include "runtime/log.hpp"
-#include "rvtools/host.hpp"
+#include "runtime/picture_versions.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
 namespace rvtools {
@@ -22,7 +23,9 @@ Int wrappingSum(Int a, std::uint64_t b) {
 }
 
 void markVisible(UInt8 window, bool visible) {
-  if (window < 8) Windows[window].Visible = visible;
+  if (window >= 8) return;
+  Windows[window].Visible = visible;
+  markPictureChanged(window);
 }
 
 }  // namespace

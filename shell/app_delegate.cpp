@@ -12,10 +12,7 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 
-#include "runtime/log.hpp"
-#include "runtime/threads.hpp"
-#include "rvtools/input.hpp"
-#include "rvtools/runtime.hpp"
+#include "rvtools/host.hpp"
 #include "shell/menu_bar.hpp"
 #include "ui_main_window.h"
 #include "ui_pasteboard_window.h"
@@ -189,25 +186,15 @@ std::array<GraphicView*, 8> AppDelegate::views() const {
   return {t_View00, t_View01, t_View02, t_View03, t_View04, t_View05, t_View06, t_View07};
 }
 
-void AppDelegate::applicationWillFinishLaunching() {
-  logLine("applicationWillFinishLaunching: Called.");
-  if (CurrentThreadNumber() == 1) nameCurrentThread("AppDelegate");
-}
-
+// TitleBarDelta: what the pasteboard window's frame adds to its text view, beyond the margins.
 void AppDelegate::applicationDidFinishLaunching() {
-  logLine("applicationDidFinishLaunching: Start.");
-  initrvtools();
-  TitleBarDelta = static_cast<Int>(frameSize(*PasteboardWindow).height() -
-                                   PasteboardScrollView->geometry().height() - 20);
-  logLine("Program: Start.");
-  startprocess(programEntry_, ProgramThreadStackSize);
-  logLine("applicationDidFinishLaunching: End.");
-  LaunchFinished = true;
+  const auto titleBarDelta = static_cast<Int>(frameSize(*PasteboardWindow).height() -
+                                              PasteboardScrollView->geometry().height() - 20);
+  runLaunchSequence(programEntry_, titleBarDelta);
 }
 
 void AppDelegate::applicationWillTerminate() {
-  logLine("applicationWillTerminate: Called.");
-  TerminationHandler();
+  runTerminationSequence();
 }
 
 QWidget* AppDelegate::window(UInt8 number) const {

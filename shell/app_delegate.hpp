@@ -13,7 +13,6 @@
 #include <memory>
 
 #include "rvtools/host.hpp"
-#include "rvtools/types.hpp"
 #include "shell/graphic_window.hpp"
 
 class QAbstractScrollArea;
@@ -39,7 +38,7 @@ class AppDelegate final : public QObject {
   explicit AppDelegate(std::function<void()> programEntry);
   ~AppDelegate() override;
 
-  void applicationWillFinishLaunching();
+  // Runs the launch sequence, which starts the program.
   void applicationDidFinishLaunching();
   void applicationWillTerminate();
 

@@ -9,9 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-#include "rvtools/display.hpp"
-#include "rvtools/input.hpp"
-#include "rvtools/runtime.hpp"
+#include "rvtools/host.hpp"
 #include "shell/key_translation.hpp"
 
 namespace rvtools::shell {
@@ -19,6 +17,8 @@ namespace {
 
 // The largest picture the runtime composes; anything else is refused by the composition.
 constexpr Int LargestSide = 8192;
+// How long a kept picture may be shown without composing it again.
+constexpr std::chrono::seconds PictureLifetime{1};
 
 QString viewName(UInt8 window) {
   return QStringLiteral("View%1").arg(window, 2, 10, QLatin1Char('0'));
@@ -45,7 +45,17 @@ GraphicView::GraphicView(UInt8 window, GraphicWindow& owner)
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
+bool GraphicView::pictureIsCurrent() const {
+  const t_Window& record = Windows[window_];
+  return composed_ && composedVersion_ == pictureVersion(window_) &&
+         picture_.width() == record.Width && picture_.height() == record.Height &&
+         std::chrono::steady_clock::now() - composedAt_ < PictureLifetime;
+}
+
+// The version is read before composing, so that a change made meanwhile composes again.
 bool GraphicView::composePicture() {
+  const std::uint64_t version = pictureVersion(window_);
+  composed_ = false;
   const t_Window& record = Windows[window_];
   const Int width = record.Width, height = record.Height;
   const bool drawable = width >= 1 && height >= 1 && width <= LargestSide && height <= LargestSide;
@@ -56,16 +66,19 @@ bool GraphicView::composePicture() {
     // The composition refuses the size itself and says why.
     return t_WindowImageInto(window_, nullptr, 0, PixelOrder::NativeArgb32);
   }
-  return t_WindowImageInto(window_, picture_.bits(),
-                           static_cast<std::size_t>(picture_.sizeInBytes()),
-                           PixelOrder::NativeArgb32);
+  composed_ =
+      t_WindowImageInto(window_, picture_.bits(), static_cast<std::size_t>(picture_.sizeInBytes()),
+                        PixelOrder::NativeArgb32);
+  composedVersion_ = version;
+  composedAt_ = std::chrono::steady_clock::now();
+  return composed_;
 }
 
 void GraphicView::paintEvent(QPaintEvent*) {
   if (!MemoryInitialized) return;
   t_Window& record = Windows[window_];
   record.VerticalBlank = false;
-  if (composePicture()) {
+  if (pictureIsCurrent() || composePicture()) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.drawImage(QRectF(rect()), picture_);

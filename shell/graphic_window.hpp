@@ -6,6 +6,8 @@
 
 #include <QImage>
 #include <QWidget>
+#include <chrono>
+#include <cstdint>
 
 #include "rvtools/types.hpp"
 #include "shell/picture_layout.hpp"
@@ -22,6 +24,10 @@ class GraphicView final : public QWidget {
   GraphicView(UInt8 window, GraphicWindow& owner);
 
   UInt8 windowNumber() const { return window_; }
+  // Whether the kept picture still shows what the window holds: composed at the window's
+  // current picture version less than a second ago (what a program writes straight into the
+  // video memory shows within that second).
+  bool pictureIsCurrent() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -38,6 +44,9 @@ class GraphicView final : public QWidget {
   UInt8 window_;
   GraphicWindow& owner_;
   QImage picture_;  // kept across frames; reallocated only when the window's size changes
+  bool composed_ = false;
+  std::uint64_t composedVersion_ = 0;
+  std::chrono::steady_clock::time_point composedAt_;
 };
 
 class GraphicWindow final : public QWidget {

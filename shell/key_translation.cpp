@@ -5,22 +5,21 @@
 #include <array>
 #include <utility>
 
-#include "rvtools/input.hpp"
+#include "rvtools/keys.hpp"
 
 namespace rvtools::shell {
 namespace {
 
 constexpr quint32 X11KeyCodeOffset = 8;
-constexpr Int FirstFunctionKeyCharacter = 0xF704;  // F1; F2 follows, and so on
 constexpr Int KeyNumberCount = 140;
 
-// The runtime's key number of each evdev code (index), UnknownKey where the numbering has none.
+// The runtime's key number of each evdev code (index), Key::Unknown where the numbering has none.
 // The key left of 1 (evdev 41) and the key beside the left shift key (evdev 86) are numbered as
 // on an ISO keyboard of this numbering, 10 and 50: so the dead circumflex left of 1 on
 // a German keyboard is key 10, whose empty character the key handler turns into "^".
 constexpr std::array<Int, KeyNumberCount> evdevKeyNumbers() {
   std::array<Int, KeyNumberCount> numbers{};
-  for (Int& number : numbers) number = UnknownKey;
+  for (Int& number : numbers) number = Key::Unknown;
   constexpr std::pair<int, Int> pairs[] = {
       {1, 53},    {2, 18},    {3, 19},    {4, 20},    {5, 21},    {6, 23},    {7, 22},
       {8, 26},    {9, 28},    {10, 25},   {11, 29},   {12, 27},   {13, 24},   {14, 51},
@@ -86,10 +85,12 @@ constexpr std::pair<int, Int> QtKeypadKeyNumbers[] = {
 // The characters that keys without text stand for: the function keys from U+F704 (F1), the
 // cursor and paging keys their own private-use characters.
 constexpr std::pair<int, Int> SpecialKeyCharacters[] = {
-    {Qt::Key_Up, 0xF700},       {Qt::Key_Down, 0xF701},   {Qt::Key_Left, 0xF702},
-    {Qt::Key_Right, 0xF703},    {Qt::Key_Insert, 0xF727}, {Qt::Key_Delete, 0xF728},
-    {Qt::Key_Home, 0xF729},     {Qt::Key_End, 0xF72B},    {Qt::Key_PageUp, 0xF72C},
-    {Qt::Key_PageDown, 0xF72D}, {Qt::Key_Clear, 0xF739},  {Qt::Key_Help, 0xF746},
+    {Qt::Key_Up, KeyCharacter::Up},         {Qt::Key_Down, KeyCharacter::Down},
+    {Qt::Key_Left, KeyCharacter::Left},     {Qt::Key_Right, KeyCharacter::Right},
+    {Qt::Key_Insert, KeyCharacter::Insert}, {Qt::Key_Delete, KeyCharacter::ForwardDelete},
+    {Qt::Key_Home, KeyCharacter::Home},     {Qt::Key_End, KeyCharacter::End},
+    {Qt::Key_PageUp, KeyCharacter::PageUp}, {Qt::Key_PageDown, KeyCharacter::PageDown},
+    {Qt::Key_Clear, KeyCharacter::Clear},   {Qt::Key_Help, KeyCharacter::Help},
 };
 
 template <std::size_t N>
@@ -132,7 +133,7 @@ std::string utf8OfScalar(Int scalar) {
 
 std::string charactersOf(const QKeyEvent& event) {
   const int key = event.key();
-  if (isFunctionKey(key)) return utf8OfScalar(FirstFunctionKeyCharacter + (key - Qt::Key_F1));
+  if (isFunctionKey(key)) return utf8OfScalar(KeyCharacter::F1 + (key - Qt::Key_F1));
   if (const Int special = lookUp(SpecialKeyCharacters, key, 0); special != 0) {
     return utf8OfScalar(special);
   }
@@ -147,18 +148,18 @@ std::string charactersOf(const QKeyEvent& event) {
 
 Int keyNumberOfScanCode(quint32 scanCode) {
   if (scanCode < X11KeyCodeOffset || scanCode - X11KeyCodeOffset >= KeyNumberCount) {
-    return UnknownKey;
+    return Key::Unknown;
   }
   return EvdevKeyNumbers[scanCode - X11KeyCodeOffset];
 }
 
 Int keyNumberOfQtKey(int key, bool keypad) {
   if (keypad) {
-    if (const Int number = lookUp(QtKeypadKeyNumbers, key, UnknownKey); number != UnknownKey) {
+    if (const Int number = lookUp(QtKeypadKeyNumbers, key, Key::Unknown); number != Key::Unknown) {
       return number;
     }
   }
-  return lookUp(QtKeyNumbers, key, UnknownKey);
+  return lookUp(QtKeyNumbers, key, Key::Unknown);
 }
 
 Int modifierFlagsOf(Qt::KeyboardModifiers modifiers) {
@@ -182,7 +183,7 @@ KeyPress translateKey(const QKeyEvent& event) {
   if (isFunctionKey(key) || lookUp(SpecialKeyCharacters, key, 0) != 0) press.Flags |= FunctionFlag;
   if (isArrowKey(key)) press.Flags |= NumericPadFlag;
   press.KeyCode = keyNumberOfScanCode(event.nativeScanCode());
-  if (press.KeyCode == UnknownKey) {
+  if (press.KeyCode == Key::Unknown) {
     press.KeyCode = keyNumberOfQtKey(key, event.modifiers() & Qt::KeypadModifier);
   }
   press.Characters = charactersOf(event);

@@ -7,21 +7,18 @@
 #include <QString>
 #include <string>
 
-#include "rvtools/types.hpp"
+#include "rvtools/keys.hpp"
 
 namespace rvtools::shell {
 
-// The key number for a key the numbering does not know.
-inline constexpr Int UnknownKey = 0xFFFF;
-
 struct KeyPress {
-  Int KeyCode = UnknownKey;
+  Int KeyCode = Key::Unknown;
   std::string Characters;  // UTF-8
   Int Flags = 0;
   bool ModifierKey = false;  // Shift, Control, Alt, Meta, Caps Lock: only the flags changed
 };
 
-// The key number of an X11 key code (evdev code + 8); UnknownKey when it has none.
+// The key number of an X11 key code (evdev code + 8); Key::Unknown when it has none.
 Int keyNumberOfScanCode(quint32 scanCode);
 // The key number of a Qt key, for platforms without scan codes; `keypad` for keys of the
 // numeric pad.

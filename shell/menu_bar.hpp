@@ -8,7 +8,7 @@
 #include <QString>
 #include <memory>
 
-#include "rvtools/input.hpp"
+#include "rvtools/host.hpp"
 
 namespace rvtools::shell {
 

@@ -18,8 +18,7 @@
 #include <memory>
 #include <mutex>
 
-#include "runtime/files.hpp"
-#include "rvtools/display.hpp"
+#include "rvtools/host.hpp"
 
 namespace rvtools::shell {
 namespace {
@@ -135,16 +134,14 @@ void QtHost::onWindow(UInt8 window, const std::function<void(QWidget&)>& work) {
   });
 }
 
+// The delegate's windows and views are made before any program thread starts and are never
+// replaced, so any thread may look them up without asking the GUI thread.
 PlatformHandle QtHost::windowHandle(UInt8 window) {
-  PlatformHandle handle = nullptr;
-  runOnInterfaceThread([&] { handle = delegate_.window(window); });
-  return handle;
+  return delegate_.window(window);
 }
 
 PlatformHandle QtHost::viewHandle(UInt8 window) {
-  PlatformHandle handle = nullptr;
-  runOnInterfaceThread([&] { handle = delegate_.view(window); });
-  return handle;
+  return delegate_.view(window);
 }
 
 void QtHost::displayView(UInt8 window, bool deferred) {
@@ -153,7 +150,8 @@ void QtHost::displayView(UInt8 window, bool deferred) {
     auto& graphicWindow = static_cast<GraphicWindow&>(target);
     graphicWindow.placeView();
     if (deferred) {
-      graphicWindow.view().update();
+      // A refresh of an unchanged picture costs neither a composition nor a paint.
+      if (!graphicWindow.view().pictureIsCurrent()) graphicWindow.view().update();
     } else {
       graphicWindow.view().repaint();
     }
@@ -263,6 +261,12 @@ std::string QtHost::pasteboardText() {
 void QtHost::setPasteboardText(const std::string& text) {
   runOnInterfaceThread(
       [&] { QGuiApplication::clipboard()->setText(QString::fromStdString(text)); });
+}
+
+// Programs on Linux read plain UTF-8 with line feeds, so the screen goes there as the
+// characters its fonts show.
+void QtHost::setPasteboardScreenText(UInt8 window, const std::string&) {
+  setPasteboardText(unicodeScreenText(window));
 }
 
 void QtHost::setPasteboardImage(const t_Image& image) {

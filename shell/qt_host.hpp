@@ -38,6 +38,7 @@ class QtHost final : public Host {
   std::string pasteboardText() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardImage(const t_Image& image) override;
+  void setPasteboardScreenText(UInt8 window, const std::string& screen) override;
   std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
   void deleteMenuItem(const std::string& menuTitle, Int position) override;
   UInt8 frontWindow() override;

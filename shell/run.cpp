@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <string>
 
-#include "runtime/files.hpp"
+#include "rvtools/host.hpp"
 #include "rvtools/shell.hpp"
 #include "shell/app_delegate.hpp"
 #include "shell/qt_host.hpp"
@@ -50,7 +50,6 @@ int run(int argc, char** argv, std::function<void()> entry) {
   setHost(*qtHost);
   QObject::connect(application, &QCoreApplication::aboutToQuit, delegate,
                    [] { delegate->applicationWillTerminate(); });
-  delegate->applicationWillFinishLaunching();
   QTimer::singleShot(0, delegate, [] { delegate->applicationDidFinishLaunching(); });
   const int status = application->exec();
   // The program thread may still run and may be waiting for the GUI thread; the process ends

@@ -183,6 +183,20 @@ TEST_F(GraphicsTest, GetScreenTrimsBlanksBeforeEveryCarriageReturn) {
   EXPECT_EQ(t_GetScreen(0, "  \r\n"), "AB\r\n\r\n \xC3\xA9\r\n");
 }
 
+// Code 13, a quarter block, is no line end here; code 156 is the rule of t_TextLine.
+TEST_F(GraphicsTest, ScreenTextAsUnicodeShowsWhatTheFontsDraw) {
+  t_PrintSymbol(0, 'A', 0xF0, 1, 1);
+  t_PrintSymbol(0, 13, 0xF0, 2, 1);
+  t_PrintSymbol(0, 3, 0xF0, 3, 1);
+  t_PrintSymbol(0, 156, 0xF0, 1, 2);
+  t_PrintSymbol(0, 0xE9, 0xF0, 2, 3);
+  t_PrintSymbol(0, 0xA4, 0xF0, 3, 3);
+  EXPECT_EQ(unicodeScreenText(0), "A▖▀\n─\n é€\n");
+  EXPECT_EQ(unicodeOfFontCodes("\x0D\xC2\x9C\xC2\xA4 \xE2\x82\xAC"), "▖─€ €");
+  EXPECT_EQ(unicodeScreenText(5), "");
+  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_GetScreen: Window #5 not initialized."}));
+}
+
 TEST_F(GraphicsTest, RefusalsNameTheOperation) {
   t_InitWindow(3, 8, false, 64, 64, 0, 0, EmptyFont(), true);  // a window without text memory
   clearLog();

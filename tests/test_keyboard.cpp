@@ -52,6 +52,46 @@ TEST_F(KeyboardTest, CursorFunctionAndDeleteKeysCarryTheirCodesAndFlags) {
   EXPECT_EQ(takeValues(), (std::vector<Int>{127, 7, 20, 140, 255}));
 }
 
+// Every printable ASCII and Latin-1 character, DEL, and the option characters the keyboard table
+// knows, come out of their key stroke as the code a program reads for them.
+TEST_F(KeyboardTest, KeyStrokesOfCharactersTypeThoseCharacters) {
+  std::vector<Int> expected;
+  for (char32_t c = 32; c <= 255; ++c) {
+    if (c >= 128 && c < 160) {
+      EXPECT_EQ(keyStrokeOfCharacter(c), std::nullopt);
+      continue;
+    }
+    const KeyStroke stroke = *keyStrokeOfCharacter(c);
+    viewKeyDown(0, stroke.KeyNumber, stroke.Characters, stroke.Flags);
+    expected.push_back(c);
+  }
+  for (const auto& [character, code] : {std::pair{U'€', 0xA4}, {U'≤', 0xC5}, {U'∞', 0xFF}}) {
+    const KeyStroke stroke = *keyStrokeOfCharacter(character);
+    viewKeyDown(0, stroke.KeyNumber, stroke.Characters, stroke.Flags);
+    expected.push_back(code);
+    EXPECT_EQ(fontCodeCharacter(static_cast<UInt8>(code)), character);
+  }
+  EXPECT_EQ(takeValues(), expected);
+  const KeyStroke controlS = *keyStrokeOfCharacter(19);
+  EXPECT_EQ(std::tie(controlS.KeyNumber, controlS.Flags), std::tie(Key::S, ControlFlag));
+  EXPECT_EQ(keyStrokeOfCharacter(U'\n')->KeyNumber, Key::Return);
+  EXPECT_EQ(keyStrokeOfCharacter(U'😀'), std::nullopt);
+}
+
+TEST_F(KeyboardTest, PastingTypesTheTextBehindTheWaitingKeys) {
+  testHost().bringWindowToFront(0);
+  viewKeyDown(0, Key::X, "x", 0);
+  testHost().setPasteboardText("A1 \u00e9\u20ac\r\n\tb\x01\x7f\U0001F600\n");
+  t_PasteAsKeys();
+  EXPECT_EQ(takeValues(), (std::vector<Int>{'x', 'A', '1', ' ', 0xE9, 0xA4, 13, 9, 'b', 13}));
+
+  Windows[0].Initialized = false;
+  t_PasteAsKeys();
+  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_PasteAsKeys: Window #0 not initialized."}));
+  EXPECT_TRUE(takeValues().empty());
+  Windows[0].Initialized = true;
+}
+
 TEST_F(KeyboardTest, OptionDeadAndKeypadKeysBecomeFontCodesOrRedirect) {
   const std::string euro = "\xE2\x82\xAC";
   viewKeyDown(0, 14, euro, OptionFlag);

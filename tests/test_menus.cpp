@@ -128,6 +128,7 @@ TEST_F(MenuTest, ProgramChoicesStartTheHandlerAndBuiltInOnesDoNotButAllAreQueued
   EXPECT_EQ(orphanEvent.Kind, 0);
   EXPECT_EQ(orphanEvent.ItemTitle, "");
   EXPECT_EQ(orphanEvent.ItemAction, 0);
+  EXPECT_EQ(orphanEvent.Time, 0);
 }
 
 TEST_F(MenuTest, GraphicWindowActionsNeedAnInitialisedWindow) {
@@ -200,16 +201,19 @@ TEST_F(MenuTest, PrinterAndConsoleCollectTextUntilCleared) {
 TEST_F(MenuTest, FilePanelActionsKeepTheChosenPathAndFilesReadWhole) {
   const std::string path = ::testing::TempDir() + "rvtools-menus.txt";
   std::ofstream(path) << "10 PRINT \"HI\"\n";
-  MenuActions.push_back({100, 100, "Open a listing", "Choose a file", "", "txt", ""});
+  EXPECT_FALSE(t_MenuActionOf(100));
+  t_AddMenuAction({100, 100, "Open a listing", "Choose a file", "", "txt", ""});
+  t_AddMenuAction({100, 101, "Never used: the first entry of a tag serves it", "", "", "", ""});
   testHost().setFilePanelAnswer(path);
   t_MenuEventHandler(choice(100, "File", "Open…"));
   testHost().setFilePanelAnswer("");
 
   EXPECT_EQ(testHost().lastFilePanel().Title, "Open a listing");
   EXPECT_FALSE(testHost().lastFilePanel().Save);
-  EXPECT_EQ(MenuActions.back().FilePath, path);
-  EXPECT_EQ(MenuActions.back().FileName, "rvtools-menus.txt");
-  const std::vector<UInt8> bytes = t_ReadFile(MenuActions.back().FilePath);
+  const t_MenuAction chosen = *t_MenuActionOf(100);
+  EXPECT_EQ(chosen.FilePath, path);
+  EXPECT_EQ(chosen.FileName, "rvtools-menus.txt");
+  const std::vector<UInt8> bytes = t_ReadFile(chosen.FilePath);
   EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "10 PRINT \"HI\"\n");
   EXPECT_TRUE(t_ReadFile(path + ".missing").empty());
   std::remove(path.c_str());

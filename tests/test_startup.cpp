@@ -75,5 +75,46 @@ TEST_F(StartupTest, FrameOperationsRefuseNumbersWithoutAWindow) {
                                                   "t_WindowInfo: Window does not exist."}));
 }
 
+// The launch sequence is the same on every host; a mirror sees the log that a sink takes.
+TEST_F(StartupTest, LaunchSequenceLogsItsStepsAndStartsTheProgram) {
+  std::string mirrored;
+  setLogMirror([&mirrored](std::string_view text) { mirrored += text; });
+  std::atomic<bool> ran{false};
+  TitleBarDelta = 0;
+  runLaunchSequence([&ran] { ran = true; }, 22);
+  runTerminationSequence();
+  setLogMirror({});
+  for (int i = 0; i < 500 && (!ran || runningProgramThreads() > 0); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(TitleBarDelta, 22);
+  EXPECT_TRUE(LaunchFinished);
+  const std::vector<std::string> expected = {"applicationWillFinishLaunching: Called.",
+                                             "applicationDidFinishLaunching: Start.",
+                                             "initrvtools: Start.",
+                                             "initrvtools: End.",
+                                             "Program: Start.",
+                                             "applicationDidFinishLaunching: End.",
+                                             "applicationWillTerminate: Called."};
+  EXPECT_EQ(logLines(), expected);
+  EXPECT_EQ(mirrored, logText());
+}
+
+// Writing operations advance a window's picture version; reading ones leave it.
+TEST_F(StartupTest, PictureVersionsFollowWhatChangesAPicture) {
+  initTextWindow(1, 8, 4, 2);
+  const std::uint64_t initialised = pictureVersion(1);
+  t_Scrn(1, 0, 0);
+  t_GetScreen(1, "");
+  EXPECT_EQ(pictureVersion(1), initialised);
+  t_Print(1, "A");
+  const std::uint64_t printed = pictureVersion(1);
+  EXPECT_GT(printed, initialised);
+  t_WindowVisible(1, true);
+  EXPECT_GT(pictureVersion(1), printed);
+  EXPECT_EQ(pictureVersion(8), 0u);
+}
+
 }  // namespace
 }  // namespace rvtools::testing

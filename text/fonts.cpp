@@ -10,7 +10,7 @@
 #include "runtime/checks.hpp"
 #include "runtime/files.hpp"
 #include "runtime/log.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/text.hpp"
 
 namespace rvtools {

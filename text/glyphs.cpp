@@ -9,6 +9,7 @@
 
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
+#include "runtime/picture_versions.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
@@ -295,6 +296,7 @@ void t_PrintSymbol(UInt8 window, UInt8 character, UInt8 color, Int column, Int l
     drawGlyph(record.BitDepth, cell, font, character, colours);
   }
   recordInTextMemory(record, character, colours, column, line);
+  markPictureChanged(window);
 }
 
 }  // namespace rvtools

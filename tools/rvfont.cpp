@@ -7,11 +7,12 @@
 //   build/tools/rvfont compile /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf out.font
 //   build/tools/rvfont chart out.font chart.png
 //
-// Character set: 0..14 the quarter blocks, 32..126 ASCII, 156 a line through the middle of the
-// cell, 160..255 Latin-1, the codes that the keyboard's translation table produces show the
-// character typed, and the remaining codes are line, block and arrow symbols (see drawnSymbols).
-// Blocks and lines are drawn here rather than taken from the face, so that they fill the cell
-// exactly and join their neighbours.
+// Character set: code c shows FontCodeCharacters[c] (rvtools/font_codes.hpp): 0..14 the quarter
+// blocks, 32..126 ASCII, 156 a line through the middle of the cell, 160..255 Latin-1, the codes
+// that the keyboard's translation table produces the character typed, and the remaining codes
+// line, block and arrow symbols. Blocks, lines and shapes are drawn here (drawnSymbols) rather
+// than taken from the face, so that they fill the cell exactly and join their neighbours; every
+// other code is the face's glyph of its character.
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_ADVANCES_H
@@ -28,6 +29,7 @@
 #include <vector>
 
 #include "runtime/files.hpp"
+#include "rvtools/font_codes.hpp"
 #include "text/fonts.hpp"
 #include "tools/font_writer.hpp"
 
@@ -203,7 +205,7 @@ struct DrawnSymbol {
   Shape shape;
 };
 
-// Every code that is drawn rather than taken from the face, with the character it shows.
+// Every code that is drawn rather than taken from the face, with its shape.
 std::vector<DrawnSymbol> drawnSymbols(const Strokes& strokes) {
   std::vector<DrawnSymbol> symbols;
   // 0..14: the quarter blocks, code = 15 - mask (0 full block, 3 upper half, 14 lower right).
@@ -216,64 +218,54 @@ std::vector<DrawnSymbol> drawnSymbols(const Strokes& strokes) {
   const auto single = [&](int arms) { return singleLines(arms, strokes); };
   const auto twin = [&](int arms) { return doubleLines(arms, strokes); };
   const std::vector<DrawnSymbol> others = {
-      {15, shade(Shade::Light)},                              // ░ U+2591
-      {16, shade(Shade::Medium)},                             // ▒ U+2592
-      {17, shade(Shade::Dark)},                               // ▓ U+2593
-      {18, single(Up | Down)},                                // │ U+2502
-      {19, single(Down | Right)},                             // ┌ U+250C
-      {20, single(Down | Left)},                              // ┐ U+2510
-      {21, single(Up | Right)},                               // └ U+2514
-      {22, single(Up | Left)},                                // ┘ U+2518
-      {23, single(Up | Down | Right)},                        // ├ U+251C
-      {24, single(Up | Down | Left)},                         // ┤ U+2524
-      {25, single(Down | Left | Right)},                      // ┬ U+252C
-      {26, single(Up | Left | Right)},                        // ┴ U+2534
-      {27, single(Up | Down | Left | Right)},                 // ┼ U+253C
-      {28, arrow({1, CentreY}, -1, 0, 14, line)},             // ← U+2190
-      {29, arrow({15, CentreY}, 1, 0, 14, line)},             // → U+2192
-      {30, arrow({CentreX, 6}, 0, -1, 20, line)},             // ↑ U+2191
-      {31, arrow({CentreX, 26}, 0, 1, 20, line)},             // ↓ U+2193
-      {127, diamond()},                                       // ◆ U+25C6
-      {133, twin(Left | Right)},                              // ═ U+2550
-      {134, twin(Up | Down)},                                 // ║ U+2551
-      {135, twin(Down | Right)},                              // ╔ U+2554
-      {136, twin(Down | Left)},                               // ╗ U+2557
-      {137, twin(Up | Right)},                                // ╚ U+255A
-      {138, twin(Up | Left)},                                 // ╝ U+255D
-      {139, twin(Up | Down | Right)},                         // ╠ U+2560
-      {140, twin(Up | Down | Left)},                          // ╣ U+2563
-      {141, twin(Down | Left | Right)},                       // ╦ U+2566
-      {142, twin(Up | Left | Right)},                         // ╩ U+2569
-      {143, twin(Up | Down | Left | Right)},                  // ╬ U+256C
-      {144, triangle({2, CentreY}, {14, 9}, {14, 23})},       // ◀ U+25C0
-      {145, triangle({14, CentreY}, {2, 9}, {2, 23})},        // ▶ U+25B6
-      {146, triangle({CentreX, 9}, {1.5, 22}, {14.5, 22})},   // ▲ U+25B2
-      {147, triangle({CentreX, 23}, {1.5, 10}, {14.5, 10})},  // ▼ U+25BC
-      {148, disc(6.5)},                                       // ● U+25CF
-      {149, without(disc(6.5), disc(6.5 - line))},            // ○ U+25CB
-      {150, square},                                          // ■ U+25A0
-      {151, without(square, squareInside)},                   // □ U+25A1
-      {152, rising},                                          // ╱ U+2571
-      {153, falling},                                         // ╲ U+2572
-      {155, either(rising, falling)},                         // ╳ U+2573
-      {156, single(Left | Right)},  // ─ U+2500, the line through the middle of the cell
-      {157, filled({0, 0, CellWidth, CellHeight / 8.0})},               // ▔ U+2594
-      {158, filled({0, CellHeight * 7 / 8.0, CellWidth, CellHeight})},  // ▁ U+2581
-      {159, filled({0, 0, CellWidth / 8.0, CellHeight})},               // ▏ U+258F
+      {15, shade(Shade::Light)},
+      {16, shade(Shade::Medium)},
+      {17, shade(Shade::Dark)},
+      {18, single(Up | Down)},
+      {19, single(Down | Right)},
+      {20, single(Down | Left)},
+      {21, single(Up | Right)},
+      {22, single(Up | Left)},
+      {23, single(Up | Down | Right)},
+      {24, single(Up | Down | Left)},
+      {25, single(Down | Left | Right)},
+      {26, single(Up | Left | Right)},
+      {27, single(Up | Down | Left | Right)},
+      {28, arrow({1, CentreY}, -1, 0, 14, line)},
+      {29, arrow({15, CentreY}, 1, 0, 14, line)},
+      {30, arrow({CentreX, 6}, 0, -1, 20, line)},
+      {31, arrow({CentreX, 26}, 0, 1, 20, line)},
+      {127, diamond()},
+      {133, twin(Left | Right)},
+      {134, twin(Up | Down)},
+      {135, twin(Down | Right)},
+      {136, twin(Down | Left)},
+      {137, twin(Up | Right)},
+      {138, twin(Up | Left)},
+      {139, twin(Up | Down | Right)},
+      {140, twin(Up | Down | Left)},
+      {141, twin(Down | Left | Right)},
+      {142, twin(Up | Left | Right)},
+      {143, twin(Up | Down | Left | Right)},
+      {144, triangle({2, CentreY}, {14, 9}, {14, 23})},
+      {145, triangle({14, CentreY}, {2, 9}, {2, 23})},
+      {146, triangle({CentreX, 9}, {1.5, 22}, {14.5, 22})},
+      {147, triangle({CentreX, 23}, {1.5, 10}, {14.5, 10})},
+      {148, disc(6.5)},
+      {149, without(disc(6.5), disc(6.5 - line))},
+      {150, square},
+      {151, without(square, squareInside)},
+      {152, rising},
+      {153, falling},
+      {155, either(rising, falling)},
+      {156, single(Left | Right)},
+      {157, filled({0, 0, CellWidth, CellHeight / 8.0})},
+      {158, filled({0, CellHeight * 7 / 8.0, CellWidth, CellHeight})},
+      {159, filled({0, 0, CellWidth / 8.0, CellHeight})},
   };
   symbols.insert(symbols.end(), others.begin(), others.end());
   return symbols;
 }
-
-// Codes whose glyph is the character that the keyboard's translation table produces for them;
-// they take precedence over Latin-1.
-constexpr std::pair<int, char32_t> KeyboardCharacters[] = {
-    {0x80, U'Ω'}, {0x81, U'⁄'}, {0x82, U'ƒ'}, {0x83, U'ª'}, {0x84, U'≈'}, {0x9A, U'–'},
-    {0xA3, U'“'}, {0xA4, U'€'}, {0xA6, U'¿'}, {0xA8, U'‚'}, {0xAC, U'≠'}, {0xAD, U'∂'},
-    {0xB0, U'å'}, {0xB7, U'º'}, {0xB8, U'•'}, {0xBD, U'†'}, {0xBE, U'œ'}, {0xBF, U'…'},
-    {0xC5, U'≤'}, {0xC6, U'≥'}, {0xD0, U'∏'}, {0xDD, U'∑'}, {0xDE, U'∫'}, {0xF0, U'π'},
-    {0xFD, U'√'}, {0xFE, U'∆'}, {0xFF, U'∞'},
-};
 
 // Stand-ins for characters that a face may lack.
 constexpr std::pair<char32_t, char32_t> LookAlikes[] = {
@@ -285,15 +277,6 @@ std::optional<char32_t> lookAlike(char32_t character) {
   for (const auto& [original, standIn] : LookAlikes) {
     if (original == character) return standIn;
   }
-  return std::nullopt;
-}
-
-// The character of the face that code `code` shows, if it shows one.
-std::optional<char32_t> faceCharacter(int code) {
-  for (const auto& [keyCode, character] : KeyboardCharacters) {
-    if (keyCode == code) return character;
-  }
-  if ((code >= 32 && code <= 126) || code >= 160) return static_cast<char32_t>(code);
   return std::nullopt;
 }
 
@@ -413,17 +396,19 @@ int compile(const std::string& facePath, const std::string& outPath) {
   }
   rvtools::fontwriter::GlyphSet glyphs{0, 255, CellWidth, CellHeight,
                                        std::vector<UInt8>(CodeCount * CellBytes)};
+  std::array<bool, CodeCount> drawn{};
   for (const DrawnSymbol& symbol : drawnSymbols(face.isBold() ? BoldStrokes : RegularStrokes)) {
     storeCell(glyphs.Data, symbol.code, drawShape(symbol.shape));
+    drawn[symbol.code] = true;
   }
   for (int code = 0; code < CodeCount; ++code) {
-    const std::optional<char32_t> character = faceCharacter(code);
-    if (!character) continue;
+    if (drawn[code]) continue;
+    const char32_t character = rvtools::fontCodeCharacter(static_cast<UInt8>(code));
     Cell cell{};
-    const std::optional<char32_t> standIn = lookAlike(*character);
-    if (!face.render(*character, cell) && !(standIn && face.render(*standIn, cell))) {
+    const std::optional<char32_t> standIn = lookAlike(character);
+    if (!face.render(character, cell) && !(standIn && face.render(*standIn, cell))) {
       std::fprintf(stderr, "rvfont: the face has no glyph for U+%04X; code %d stays blank\n",
-                   static_cast<unsigned>(*character), code);
+                   static_cast<unsigned>(character), code);
     }
     storeCell(glyphs.Data, code, cell);
   }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -63,5 +64,10 @@ void t_ColorBorder(UInt8 window, Int color);  // the border around the picture
 
 void t_WindowAutoUpdateProcess();                  // the refresh loop, on a thread of its own
 void t_WindowUpdate(UInt8 window, bool deferred);  // asks the view to redraw
+
+// Called with the window's number each time the refresh or t_WindowUpdate has asked a view to
+// show its picture, on the thread that asked, after the view was asked. A recorder takes its
+// frames here. An empty listener removes it.
+void setFrameListener(std::function<void(UInt8 window)> listener);
 
 }  // namespace rvtools

@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "rvtools/display.hpp"
 #include "rvtools/host.hpp"
 
 namespace rvtools {
@@ -116,7 +115,8 @@ class HeadlessHost : public Host {
 };
 
 // The whole main of a program without a display: installs a headless host, runs the launch
-// sequence, starts `entry` on the program thread and returns 0 when the program has ended.
+// sequence, which starts `entry` on the program thread, and returns 0 when the program has
+// ended, after the termination sequence.
 int runHeadless(int argc, char** argv, std::function<void()> entry);
 
 }  // namespace rvtools

@@ -1,122 +1,57 @@
-// rvtools: the host, the one seam between the runtime and the platform it runs on.
+// rvtools: everything a host needs, in one header.
 //
-// The runtime never talks to a windowing system itself. Every platform need (window frames,
-// views, the border colour, sounds, the pasteboard, the bundle path, the clock and the random
-// source) goes through the host that the application sets once at start-up. The Qt shell and
-// the headless host implement this interface. Every method may be called from any thread; a
-// host carries platform work over to its interface thread and waits for it.
+// A host is what shows a program's windows on a platform: the desktop host on Qt
+// (rvtools/shell.hpp), the terminal host (rvtools/terminal.hpp) and the headless host
+// (rvtools/headless.hpp) are three. Writing another one takes four steps, all declared here:
+//   1. implement the `Host` interface (rvtools/platform.hpp) and install it with setHost;
+//   2. run the launch sequence, runLaunchSequence, on the interface thread;
+//   3. show each graphic window's picture (t_WindowImageInto, pictureVersion) when the runtime
+//      asks a view to display (Host::displayView), and its text cells if the host shows text
+//      (the window's text memory and FontCodeCharacters);
+//   4. report the user's keys (viewKeyDown with the key numbers and flags of rvtools/keys.hpp),
+//      clicks (viewMouseDown, viewMouseUp) and menu choices (t_MenuEventHandler with the tags
+//      below), and call runTerminationSequence when the application ends.
 #pragma once
 
-#include <cstdint>
-#include <functional>
-#include <optional>
-#include <string>
-#include <vector>
-
+#include "rvtools/display.hpp"
+#include "rvtools/font_codes.hpp"
+#include "rvtools/input.hpp"
+#include "rvtools/keys.hpp"
+#include "rvtools/platform.hpp"
+#include "rvtools/runtime.hpp"
 #include "rvtools/types.hpp"
 
 namespace rvtools {
 
-// Window numbers: 0..7 graphic windows, 8 pasteboard, 9 virtual printer, 10 system console,
-// 11 preferences, 12 main window, 255 no window.
-inline constexpr UInt8 PasteboardWindowNumber = 8;
-inline constexpr UInt8 VirtualPrinterWindowNumber = 9;
-inline constexpr UInt8 SystemConsoleWindowNumber = 10;
-inline constexpr UInt8 PreferencesWindowNumber = 11;
-inline constexpr UInt8 MainWindowNumber = 12;
-inline constexpr UInt8 NoWindow = 255;
+// The tags of the menu items whose actions the runtime carries out itself (MenuActions). An
+// item with tag 0, or with a tag no entry serves, goes to the program's menu handler.
+namespace MenuTag {
+inline constexpr Int Open = 100;  // a file panel, once the program added an entry for it
+inline constexpr Int Save = 101;
+inline constexpr Int CopyPicture = 110;
+inline constexpr Int CopyText = 111;
+inline constexpr Int ClearPrinter = 112;
+inline constexpr Int Paste = 113;
+inline constexpr Int ClearConsole = 114;
+inline constexpr Int HideAllWindows = 200;
+inline constexpr Int HideFrontWindow = 201;
+inline constexpr Int ShowMainWindow = 205, HideMainWindow = 206;
+inline constexpr Int ShowPreferences = 207, HidePreferences = 208;
+inline constexpr Int ShowPrinter = 209, HidePrinter = 210;
+inline constexpr Int ShowPasteboard = 211, HidePasteboard = 212;
+inline constexpr Int ShowConsole = 229, HideConsole = 230;
+// Graphic window n (0..7) is shown by ShowGraphicWindow + 2n and hidden by one more.
+inline constexpr Int ShowGraphicWindow = 213;
+constexpr Int showGraphicWindow(UInt8 window) {
+  return ShowGraphicWindow + 2 * window;
+}
+constexpr Int hideGraphicWindow(UInt8 window) {
+  return ShowGraphicWindow + 2 * window + 1;
+}
+}  // namespace MenuTag
 
-// A platform window's frame in screen coordinates, and whether it is shown.
-struct WindowFrame {
-  Int X = 0;
-  Int Y = 0;
-  Int Width = 0;
-  Int Height = 0;
-  bool Visible = false;
-};
-
-struct ScreenSize {
-  Int Width = 0;
-  Int Height = 0;
-};
-
-enum class Sound { Click, Beep };
-
-struct t_Image;
-
-// What an open or save panel shows, and the file types it accepts ("txt,png"; empty for all).
-struct FilePanelRequest {
-  bool Save = false;
-  std::string Title;
-  std::string Note;
-  std::string FileName;
-  std::string FileTypes;
-};
-
-class Host {
- public:
-  virtual ~Host() = default;
-
-  // Threads: whether the caller is the interface thread, and synchronous work there.
-  virtual bool isInterfaceThread() const = 0;
-  virtual void runOnInterfaceThread(const std::function<void()>& work) = 0;
-
-  // Window lookup: the platform window of numbers 0..12 and the view of 0..7, or null.
-  virtual PlatformHandle windowHandle(UInt8 window) = 0;
-  virtual PlatformHandle viewHandle(UInt8 window) = 0;
-  // Asks view 0..7 to redraw: later when deferred, at once otherwise.
-  virtual void displayView(UInt8 window, bool deferred) = 0;
-
-  // Window frame operations on numbers that have a window.
-  virtual void setWindowTitle(UInt8 window, const std::string& title) = 0;
-  virtual void setWindowTitleVisible(UInt8 window, bool visible) = 0;
-  virtual void setWindowPosition(UInt8 window, Int x, Int y) = 0;
-  virtual void setWindowContentSize(UInt8 window, Int width, Int height) = 0;
-  virtual void bringWindowToFront(UInt8 window) = 0;
-  virtual void centerWindow(UInt8 window) = 0;
-  virtual void setWindowVisible(UInt8 window, bool visible) = 0;
-  virtual WindowFrame windowFrame(UInt8 window) = 0;
-  virtual ScreenSize screenSize() = 0;
-  virtual void setBorderColor(UInt8 window, t_RGBColor color) = 0;
-
-  // The folder <Name>.app around the executable; resources lie in Contents/Resources.
-  virtual std::string bundlePath() = 0;
-
-  // Sounds: plays a sound unless it is still playing; false when it could not be loaded.
-  virtual bool playSound(Sound sound) = 0;
-  virtual void systemBeep() = 0;
-
-  // The general pasteboard: its plain text, or a picture (the pasteboard is cleared first).
-  virtual std::string pasteboardText() = 0;
-  virtual void setPasteboardText(const std::string& text) = 0;
-  virtual void setPasteboardImage(const t_Image& image) = 0;
-
-  // The main menu: the item titles of the menu of that title (a separator's title is empty),
-  // nothing when there is no such menu; and the removal of the item at a valid position.
-  virtual std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) = 0;
-  virtual void deleteMenuItem(const std::string& menuTitle, Int position) = 0;
-  // The number of the window in front, 0..12, or NoWindow.
-  virtual UInt8 frontWindow() = 0;
-  // Runs an open or save panel; the chosen path, empty when the user cancels.
-  virtual std::string runFilePanel(const FilePanelRequest& request) = 0;
-
-  // The text views of windows 8 (pasteboard), 9 (virtual printer) and 10 (system console):
-  // the text, appending to it and emptying it. Nothing or false when the view is missing.
-  virtual std::optional<std::string> textViewText(UInt8 window) = 0;
-  virtual bool appendToTextView(UInt8 window, const std::string& text) = 0;
-  virtual bool clearTextView(UInt8 window) = 0;
-  // Empties the pasteboard window's text view and gives it a fixed-pitch font and plain input
-  // (no substitution of quotes, dashes or text, no link detection).
-  virtual void preparePasteboardView() = 0;
-
-  // The absolute clock in seconds since 1 January 2001, and the cryptographic random source.
-  virtual double absoluteTime();
-  virtual std::uint32_t randomWord();
-};
-
-// Installs the host; the application does this once before the program starts.
-void setHost(Host& host);
-// The installed host; until one is installed, a host without any window stands in.
-Host& host();
+// Whether the program has installed a menu handler (t_SetMenuHandler), so that a menu item for
+// the program (tag 0) can do something.
+bool programMenuHandlerInstalled();
 
 }  // namespace rvtools

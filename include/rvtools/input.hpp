@@ -11,22 +11,13 @@
 #include <optional>
 #include <string>
 
+#include "rvtools/keys.hpp"
 #include "rvtools/types.hpp"
 
 namespace rvtools {
 
 // ---------------------------------------------------------------------------------------------
 // Keyboard
-
-// Modifier flags at bits 16 to 23, as a view reports them.
-inline constexpr Int CapsLockFlag = 1 << 16;
-inline constexpr Int ShiftFlag = 1 << 17;
-inline constexpr Int ControlFlag = 1 << 18;
-inline constexpr Int OptionFlag = 1 << 19;
-inline constexpr Int CommandFlag = 1 << 20;
-inline constexpr Int NumericPadFlag = 1 << 21;
-inline constexpr Int HelpFlag = 1 << 22;
-inline constexpr Int FunctionFlag = 1 << 23;
 
 // A key press in the view of graphic window `window`: the hardware key number, the characters
 // the key produced (UTF-8, empty for a dead key) and the modifier flags. Queues a key event,
@@ -37,6 +28,12 @@ void viewFlagsChanged(Int modifierFlags);  // the modifier keys changed
 
 std::string t_GetKey(UInt8 window);                          // waits for the next key
 Int t_GetYesNo(UInt8 window, Int defaultAnswer, bool echo);  // 1 yes, 0 no, -1 escape, -2 other
+
+// A paste handler (t_SetPasteHandler) that types the pasteboard's plain text into the graphic
+// window in front, as the keyboard would: a line feed or carriage return as Return, a tab as
+// Tab, characters 32..255 and the keyboard's option characters as their keys. Other characters
+// are dropped. All keys are queued at once, in order, behind the keys already waiting.
+void t_PasteAsKeys();
 
 // ---------------------------------------------------------------------------------------------
 // Line input editor
@@ -99,6 +96,15 @@ void t_SetMenuHandler(std::function<void()> handler);
 // Takes the oldest menu event off MenuEventQueue, if there is one.
 std::optional<t_MenuEvent> t_TakeMenuEvent();
 // Installs the handler of the Paste item for a graphic window in front; t_Beep until then.
+// t_PasteAsKeys is a ready handler that types the pasted text.
 void t_SetPasteHandler(std::function<void()> handler);
+
+// Appends an entry to the table of built-in menu actions (MenuActions). With Action 100 or 101
+// it gives File > Open... (tag 100) or File > Save... (tag 101) a file panel with its Title,
+// Note, FileName and FileTypes ("txt,png"; empty for all types); the first entry of a tag
+// serves it. Once the user has chosen, the entry holds the name and the path.
+void t_AddMenuAction(const t_MenuAction& action);
+// A copy of the first entry that serves `tag`; nothing when no entry does.
+std::optional<t_MenuAction> t_MenuActionOf(Int tag);
 
 }  // namespace rvtools

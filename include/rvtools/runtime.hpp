@@ -1,10 +1,9 @@
-// rvtools: runtime state, start-up, video memory, window frames and utilities.
+// rvtools: runtime state, the program thread, window frames, utilities, auxiliary windows.
 //
 // The runtime keeps its whole state in process-wide globals that are created once and never
 // freed: eight window records, one shared video memory, the palette, the event queues and a
-// few flags. The user program runs on a thread of its own (`startprocess`) and initialises its
-// windows with `t_InitWindow`, which hands out blocks of video memory downward from
-// `HighMemory`.
+// few flags. The user program runs on a thread of its own (`startprocess`); how it sets up its
+// memory and windows and how it ends is in rvtools/lifecycle.hpp.
 #pragma once
 
 #include <array>
@@ -16,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "rvtools/host.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/types.hpp"
 
 namespace rvtools {
@@ -117,22 +116,10 @@ extern Relaxed<bool> LeftMouseDown, RightMouseDown;
 void initrvtools();                                             // fills the character tables
 void startprocess(std::function<void()> entry, Int stackSize);  // starts a program thread
 void startprocessasync(std::function<void()> entry);            // runs a callback on a worker
-void t_InitMemory();                                            // creates records and memory
 Int CurrentThreadNumber();                                      // 1 interface, 2 program, ...
 void t_Beep();                                                  // the system beep sound
 void t_PlayClick();                                             // the click sound, or a beep
-[[noreturn]] void t_QuitProgram(UInt8 window);                  // ends the program thread
 void t_Log(const std::string& line);  // writes one line to the runtime's log
-
-// ---------------------------------------------------------------------------------------------
-// Video memory and window initialisation
-
-// A graphic window of width x height pixels at a depth of 1, 4, 8, 16, 24 or 32 bits.
-void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int height,
-                  Int borderWidth, Int borderHeight, const t_Font& font, bool titleVisible);
-// A graphic window of columns x lines characters of the named font resource.
-void t_InitWindow(UInt8 window, Int bitDepth, Int columns, Int lines, Int border,
-                  const std::string& fontFileName);
 
 // ---------------------------------------------------------------------------------------------
 // Window frame operations (numbers 0..12)

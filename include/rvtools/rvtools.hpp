@@ -1,19 +1,25 @@
 // rvtools: the screen of an early-1980s home computer for an ordinary sequential program.
 //
 // One header for a user program. Its sections:
-//   types.hpp    the shared records: t_Window, t_Font, t_Event, t_MenuEvent, Text
-//   host.hpp     the platform seam that a host (Qt shell, headless) implements
-//   runtime.hpp  globals, start-up, the program thread, video memory, window initialisation,
-//                window frames, random numbers and text utilities, quitting, the
-//                auxiliary windows and files
-//   text.hpp     fonts, glyphs, the cursor, printing with control codes and display modes
-//   display.hpp  window images, low-resolution graphics, colours, the refresh
-//   input.hpp    keys, the line input editor, mouse, menus
+//   types.hpp       the shared records: t_Window, t_Font, t_Event, t_MenuEvent, Text
+//   platform.hpp    the platform seam that a host implements, and what a host asks of the runtime
+//   runtime.hpp     globals, the program thread, window frames, random numbers and text
+//                   utilities, the auxiliary windows and files
+//   text.hpp        fonts, glyphs, the cursor, printing with control codes and display modes
+//   font_codes.hpp  the character that each font code shows, as Unicode
+//   display.hpp     window images, low-resolution graphics, colours, the refresh
+//   keys.hpp        key numbers, modifier flags and the values programs receive for keys
+//   input.hpp       keys, the line input editor, mouse, menus
+//   lifecycle.hpp   video memory and window initialisation, quitting
+// A host (rvtools/host.hpp) or a picture library (rvtools/picture.hpp) has a header of its own.
 #pragma once
 
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/font_codes.hpp"
 #include "rvtools/input.hpp"
+#include "rvtools/keys.hpp"
+#include "rvtools/lifecycle.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 #include "rvtools/types.hpp"

@@ -45,15 +45,15 @@ TEST(KeyTranslationTest, PhysicalKeysMapToTheRuntimesNumbers) {
   for (std::size_t k = 0; k < std::size(evdevCodes); ++k) {
     EXPECT_EQ(keyNumberOfScanCode(evdevCodes[k] + 8), keyNumbers[k]) << evdevCodes[k];
   }
-  EXPECT_EQ(keyNumberOfScanCode(0), UnknownKey);
-  EXPECT_EQ(keyNumberOfScanCode(29 + 8), UnknownKey);  // left control
-  EXPECT_EQ(keyNumberOfScanCode(100000), UnknownKey);
+  EXPECT_EQ(keyNumberOfScanCode(0), Key::Unknown);
+  EXPECT_EQ(keyNumberOfScanCode(29 + 8), Key::Unknown);  // left control
+  EXPECT_EQ(keyNumberOfScanCode(100000), Key::Unknown);
 
   EXPECT_EQ(keyNumberOfQtKey(Qt::Key_7, false), 26);
   EXPECT_EQ(keyNumberOfQtKey(Qt::Key_7, true), 89);
   EXPECT_EQ(keyNumberOfQtKey(Qt::Key_Enter, true), 76);
   EXPECT_EQ(keyNumberOfQtKey(Qt::Key_F12, false), 111);
-  EXPECT_EQ(keyNumberOfQtKey(Qt::Key_Launch0, false), UnknownKey);
+  EXPECT_EQ(keyNumberOfQtKey(Qt::Key_Launch0, false), Key::Unknown);
 
   EXPECT_EQ(modifierFlagsOf(Qt::ShiftModifier | Qt::MetaModifier), ShiftFlag | CommandFlag);
   EXPECT_EQ(modifierFlagsOf(Qt::AltModifier | Qt::ControlModifier | Qt::KeypadModifier),

@@ -8,7 +8,8 @@
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/lifecycle.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 
@@ -35,7 +36,7 @@ void t_QuitProgram(UInt8 window) {
   if (host().windowHandle(window) != nullptr) {
     showClosingText(window);
     sleepFor(0, LastFrameNanoseconds);
-    logWrite(" with message in window #" + std::to_string(window));
+    logPiece(" with message in window #", window);
   }
   logWrite(".\n");
   // glibc ends the thread by a forced unwind: the destructors of the program's locals run on the

@@ -11,10 +11,12 @@
 
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
+#include "runtime/picture_versions.hpp"
 #include "runtime/threads.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/display.hpp"
-#include "rvtools/host.hpp"
+#include "rvtools/lifecycle.hpp"
+#include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 
@@ -58,14 +60,14 @@ void deleteOldBlocks(UInt8 window, t_Window& record) {
     t_Window& other = Windows[i];
     if (!other.Initialized || other.MemoryStart >= oldEnd) continue;
     const Int start = other.MemoryStart, end = other.MemoryEnd;
-    logWrite(p + " moving graphic block for win #" + std::to_string(i));
-    logWrite("$" + HexText(start) + "..." + HexText(end) + " to");
+    logPiece(p, " moving graphic block for win #", i);
+    logPiece("$", HexText(start), "...", HexText(end), " to");
     logLine(HexText(start + delta), "...", HexText(end + delta));
     moveBlockUp(start, end, delta);
     if (other.TextMemoryStart >= 0 && other.TextMemoryStart < oldEnd) {
       const Int textStart = other.TextMemoryStart, textEnd = other.TextMemoryEnd;
-      logWrite(p + " moving text block for win #" + std::to_string(i));
-      logWrite("$" + HexText(textStart) + "..." + HexText(textEnd) + " to");
+      logPiece(p, " moving text block for win #", i);
+      logPiece("$", HexText(textStart), "...", HexText(textEnd), " to");
       logLine("$", HexText(textStart + delta), "...", HexText(textEnd + delta));
       moveBlockUp(textStart, textEnd, delta);
     }
@@ -75,6 +77,7 @@ void deleteOldBlocks(UInt8 window, t_Window& record) {
     }
     other.MemoryStart += delta;
     other.MemoryEnd += delta;
+    markPictureChanged(i);
   }
   HighMemory += delta;
 }
@@ -273,6 +276,7 @@ void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int he
   record.Window = host().windowHandle(window);
   record.Font = font;
   clearPicture(record);
+  markPictureChanged(window);
   t_WindowTitle(window, windowTitle(record.TextMemoryStart >= 0));
   t_WindowSize(window, -1, -1, width, height);
   t_ColorBorder(window, 5);
