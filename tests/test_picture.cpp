@@ -20,7 +20,9 @@ class PictureTest : public RuntimeTest {
  protected:
   void SetUp() override {
     RuntimeTest::SetUp();
-    folder_ = fs::path(::testing::TempDir()) / "rvtools-pictures";
+    // A folder per test, since ctest runs the tests side by side.
+    const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    folder_ = fs::path(::testing::TempDir()) / ("rvtools-pictures-" + test);
     fs::remove_all(folder_);
     fs::create_directories(folder_);
   }
