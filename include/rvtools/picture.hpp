@@ -1,11 +1,13 @@
-// rvtools: pictures of what a program shows, as image files.
+// rvtools: pictures and recordings of what a program shows, as image files.
 //
 // The picture library (rvtools::picture) writes a window's picture, the image that
-// t_WindowImage composes, pixel for pixel, as a PNG file. Files are written under a temporary
-// name beside the final one and renamed when complete, so that a failure never leaves half a
-// file under the name asked for. The desktop and headless hosts link it; the core does not.
+// t_WindowImage composes, pixel for pixel, as a PNG file, and records it as an animated GIF.
+// Files are written under a temporary name beside the final one and renamed when complete, so
+// that a failure never leaves half a file under the name asked for. The desktop, terminal and
+// headless hosts link it; the core does not.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "rvtools/types.hpp"
@@ -16,5 +18,19 @@ namespace rvtools {
 // log line, when the window has no picture (not a graphic window, not initialised, not
 // visible) or the file cannot be written.
 bool t_SavePicture(UInt8 window, const std::string& path);
+
+// Records graphic window `window`'s picture as an animated GIF at `path`, from now until
+// t_RecordStop or the end of the application, which finishes the file. A frame is taken
+// whenever the refresh shows a changed picture, with its true delay. False, with one log line,
+// when the window has no picture, is being recorded already, or the file cannot be written.
+bool t_RecordStart(UInt8 window, const std::string& path);
+// Ends the recording of window `window` and finishes its file. False, with one log line, when
+// the window is not being recorded or the file could not be finished.
+bool t_RecordStop(UInt8 window);
+// Whether window `window` is being recorded.
+bool t_IsRecording(UInt8 window);
+// Called on the thread that started or stopped a recording, after it did; a host shows a sign
+// while a window records. An empty observer removes it.
+void setRecordingObserver(std::function<void(UInt8 window, bool recording)> observer);
 
 }  // namespace rvtools

@@ -137,9 +137,12 @@ Host& host();
 // thread with its 1 GiB stack, logs "applicationDidFinishLaunching: End." and sets
 // LaunchFinished.
 void runLaunchSequence(std::function<void()> program, Int titleBarDelta = 0);
-// The end of the application: logs "applicationWillTerminate: Called." and calls the
-// TerminationHandler.
+// The end of the application: logs "applicationWillTerminate: Called.", calls the
+// TerminationHandler, then the steps added below, in the order they were added.
 void runTerminationSequence();
+// A step of the runtime's libraries for the end of the application, such as finishing the
+// files of recordings; it runs on the thread that ends the application.
+void addTerminationStep(std::function<void()> step);
 // How many program threads (started by startprocess) have not yet ended.
 int runningProgramThreads();
 
