@@ -1,0 +1,56 @@
+// Internal: the menu items that the desktop host carries out itself, File > Save Picture…,
+// Save Text… and Print… and View > Full Screen, and which items of the menus are enabled.
+//
+// Like Quit, these items do not go through the runtime's menu handler and queue no menu event.
+// An item that can do nothing for the running program at the moment is disabled: Open… and
+// Save… until the program has added a menu action entry for them (t_AddMenuAction), items for
+// the program until it has installed a menu handler, Show and Hide of a graphic window until
+// that window is initialised, and the host's own items unless the window in front suits them.
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "rvtools/types.hpp"
+
+class QAction;
+class QWidget;
+
+namespace rvtools::shell {
+
+class AppDelegate;
+
+class DesktopActions final : public QObject {
+ public:
+  struct Items {
+    QAction* SavePicture = nullptr;
+    QAction* SaveText = nullptr;
+    QAction* Print = nullptr;
+    QAction* FullScreen = nullptr;
+  };
+
+  // Carries out `items`, which belong to the menus of `delegate`.
+  DesktopActions(AppDelegate& delegate, const Items& items);
+
+  // Enables or disables every item of the menus for the window in front and the program.
+  void updateMenuItems();
+
+  // A PNG file of the graphic window in front, named in a file dialog after its title.
+  void savePicture();
+  // A UTF-8 text file: the screen of the graphic window in front as the characters its font
+  // shows, or the text of the virtual printer or the system console.
+  void saveText();
+  // The virtual printer's paper on a printer, or as a PDF file.
+  void print();
+  // Shows the graphic window in front on the whole screen, or back in its window.
+  void toggleFullScreen();
+
+ private:
+  UInt8 frontWindow() const;
+  bool canSaveText(UInt8 window) const;
+
+  AppDelegate& delegate_;
+  Items items_;
+};
+
+}  // namespace rvtools::shell
