@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
+#include "rvtools/headless.hpp"
 #include "rvtools/host.hpp"
 #include "rvtools/shell.hpp"
 #include "shell/app_delegate.hpp"
@@ -33,9 +35,17 @@ std::string programName(const char* invokedAs) {
   return std::filesystem::path(invokedAs != nullptr ? invokedAs : "").filename().string();
 }
 
+bool hasArgument(int argc, char** argv, std::string_view argument) {
+  for (int i = 1; i < argc; ++i) {
+    if (argv[i] == argument) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 int run(int argc, char** argv, std::function<void()> entry) {
+  if (hasArgument(argc, argv, "--headless")) return runHeadless(argc, argv, std::move(entry));
   if (!displayIsNamed()) {
     std::fprintf(stderr, "%s needs a graphical display: set DISPLAY or run it under Xvfb.\n",
                  programName(argc > 0 ? argv[0] : nullptr).c_str());

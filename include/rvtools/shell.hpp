@@ -8,6 +8,8 @@
 // them), the pasteboard, virtual printer, system console, preferences and main windows, starts
 // `program` on the program thread and runs the event loop until the user quits. Quitting never
 // waits for the program thread: the process ends as soon as the event loop has finished.
+// Given --headless, it runs the program without a display instead (runHeadless, with the
+// command-line options described in rvtools/headless.hpp).
 #pragma once
 
 #include <functional>
