@@ -11,6 +11,7 @@
 #include <rvtools/shell.hpp>
 
 using namespace rvtools;
+using namespace std::string_literals;
 
 namespace {
 
@@ -27,7 +28,7 @@ std::string paper(int colour) {
 std::string border(int colour) {
   return std::string("\x1b") + static_cast<char>('n' + colour);
 }
-const std::string NextTenthColumn = "\x1bi";
+const std::string TabStop = "\x1bi";  // to column 11, 21, 31, ...
 // [end]
 
 void showInkAndPaper() {
@@ -51,20 +52,16 @@ void showInverseAndTabs() {
   // [manual colours-inverse]
   // 15 turns inverse video on, 14 off, 17 toggles it.
   t_Print(Screen, "\rNormal \x0fInverse\x0e Normal \x11Reversed\x11 Normal\r");
-  t_Print(Screen,
-          "Tabs:" + NextTenthColumn + "10" + NextTenthColumn + "20" + NextTenthColumn + "30\r");
+  t_Print(Screen, "Tabs:"s + TabStop + "10" + TabStop + "20" + TabStop + "30\r");
   // [end]
 }
 
 void showDisplayModes() {
   // [manual colours-modes]
   // 20 chooses display mode 1, 31 mode 2, 19 mode 0 again.
-  t_Print(Screen,
-          "\rMode 1: \x14"
-          "ABC abc 123\x13\r");
-  t_Print(Screen,
-          "Mode 2: \x1f"
-          "@ABCDEFGHIJKLMN`abcdefghijklm\x13\r");
+  const std::string Mode0 = "\x13", Mode1 = "\x14", Mode2 = "\x1f";
+  t_Print(Screen, "\rMode 1: "s + Mode1 + "ABC abc 123" + Mode0 + "\r");
+  t_Print(Screen, "Mode 2: "s + Mode2 + "@ABCDEFGHIJKLMN`abcdefghijklm" + Mode0 + "\r");
   // Modes 3 and 4 show control codes as letters instead of acting on them.
   t_DisplayMode(Screen, 3);
   t_Print(Screen, "Mode 3: tab\there, bell\ahere");

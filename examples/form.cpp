@@ -11,6 +11,7 @@
 #include <rvtools/shell.hpp>
 
 using namespace rvtools;
+using namespace std::string_literals;
 
 namespace {
 
@@ -29,6 +30,10 @@ constexpr Int AnyCode = 1;
 
 void form() {
   // Set-up.
+  // [manual form-paste]
+  // Edit > Paste types the pasteboard's text into the form, as if it were typed.
+  t_SetPasteHandler(t_PasteAsKeys);
+  // [end]
   t_InitWindow(0, 24, 50, 14, 16, "MenloRegular 16x32.font");
   t_WindowFront(0);
   t_Print(Screen, "\f");
@@ -49,10 +54,10 @@ void form() {
   // [manual form-end]
   const Int years = BytesToInteger(TextToBytes(age));
   t_Print(Screen,
-          "\r" + name + ", " + height + " m, " + std::to_string(years + 10) + " in ten years.\r");
+          "\r"s + name + ", " + height + " m, " + std::to_string(years + 10) + " in ten years.\r");
   t_InputForm(Screen, "Shown, not edited:     ", remark, true, AnyText, 24);
   // [end]
-  t_Print(Screen, "\r" + std::to_string(scalarsOf(signs).size()) + " signs entered.");
+  t_Print(Screen, "\r"s + std::to_string(scalarsOf(signs).size()) + " signs entered.");
   t_QuitProgram(0);
 }
 

@@ -10,6 +10,7 @@
 #include <rvtools/shell.hpp>
 
 using namespace rvtools;
+using namespace std::string_literals;
 
 namespace {
 
@@ -55,7 +56,7 @@ void drawSun() {
 // [manual lores-scrn]
 void report(Int x, Int y, const std::string& what) {
   const Int colour = t_Scrn(Screen, x, y);
-  t_Print(Screen, "t_Scrn(" + std::to_string(x) + ", " + std::to_string(y) +
+  t_Print(Screen, "t_Scrn("s + std::to_string(x) + ", " + std::to_string(y) +
                       ") = " + std::to_string(colour) + ": " + what + "\r");
 }
 // [end]

@@ -9,6 +9,7 @@
 #include <rvtools/shell.hpp>
 
 using namespace rvtools;
+using namespace std::string_literals;
 
 namespace {
 
@@ -21,7 +22,7 @@ void showDrink(Int index, bool chosen) {
   t_Vtab(Screen, FirstLine + index);
   t_Htab(Screen, 3);
   if (chosen) t_Inverse(Screen);
-  t_Print(Screen, std::string(" ") + Drinks[index] + " ");
+  t_Print(Screen, " "s + Drinks[index] + " ");
   t_Normal(Screen);
 }
 

@@ -4,8 +4,8 @@
 // their queues and draws.
 //
 //   Mouse.app/Contents/MacOS/mouse
-//   Mouse.app/Contents/MacOS/mouse --headless --click 24,120 --click 300,200 \
-//       --menu 'Program Action' --screen screen.txt
+// and, without a display, with two clicks and the menu item given on its command line:
+//   mouse --headless --click 24,120 --click 300,200 --menu 'Program Action' --screen out.txt
 #include <atomic>
 #include <optional>
 #include <string>
@@ -14,6 +14,7 @@
 #include <rvtools/shell.hpp>
 
 using namespace rvtools;
+using namespace std::string_literals;
 
 namespace {
 
@@ -40,7 +41,7 @@ void showClick(const t_Event& click, int count) {
   t_Print(Screen, "*");
   t_Vtab(Screen, StatusLine);
   t_Htab(Screen, 1);
-  t_Print(Screen, "Click " + std::to_string(count) + " at x = " + std::to_string(click.ClickX) +
+  t_Print(Screen, "Click "s + std::to_string(count) + " at x = " + std::to_string(click.ClickX) +
                       ", y = " + std::to_string(click.ClickY));
   t_ClearEndOfLine(Screen);
 }

@@ -4,8 +4,8 @@
 // File > Print... puts it on real paper or into a PDF file).
 //
 //   Printer.app/Contents/MacOS/printer
-//   cd examples/data && Printer.app/Contents/MacOS/printer --headless --keys 'notes.txt\r' \
-//       --screen screen.txt
+//   cd examples/data
+//   Printer.app/Contents/MacOS/printer --headless --keys 'notes.txt\r' --screen screen.txt
 #include <chrono>
 #include <optional>
 #include <string>
@@ -16,6 +16,7 @@
 #include <rvtools/shell.hpp>
 
 using namespace rvtools;
+using namespace std::string_literals;
 
 namespace {
 
@@ -61,13 +62,13 @@ std::string screenLines(const std::vector<UInt8>& bytes, Int lines) {
 void print(const std::string& path) {
   const std::vector<UInt8> bytes = t_ReadFile(path);
   if (bytes.empty()) {
-    t_Print(Screen, "\rCannot read " + path + ".");
+    t_Print(Screen, "\rCannot read "s + path + ".");
     return;
   }
   t_PrinterClear();
   t_PrinterPrint(std::string(bytes.begin(), bytes.end()));
-  t_ConsolePrint("printer: " + std::to_string(bytes.size()) + " bytes printed\n");
-  t_Print(Screen, "\r" + screenLines(bytes, ShownLines) + "\r\r");
+  t_ConsolePrint("printer: "s + std::to_string(bytes.size()) + " bytes printed\n");
+  t_Print(Screen, "\r"s + screenLines(bytes, ShownLines) + "\r\r");
   t_Print(Screen, std::to_string(bytes.size()) + " bytes are on the virtual printer.");
 }
 // [end]
