@@ -5,10 +5,10 @@
 //   Hello.app/Contents/MacOS/hello --terminal          in the terminal
 //   Hello.app/Contents/MacOS/hello --headless --keys x --screen screen.txt
 //                                                      without a display, typed at from here
+// [manual hello]
 #include <rvtools/rvtools.hpp>
 #include <rvtools/shell.hpp>
 
-// [manual hello]
 void hello() {
   using namespace rvtools;
 
