@@ -416,9 +416,9 @@ std::string TerminalHost::hostLineText(const WindowPlacement& placement, Termina
   if (!message_.empty()) return message_;
   if (programEnded_) return std::string(EndedText);
   if (placement.Window < 8 && !placement.fitsWhole()) {
-    return "The terminal (" + std::to_string(size.Columns) + " x " + std::to_string(size.Lines) +
-           ") is smaller than the window (" + std::to_string(placement.FullColumns) + " x " +
-           std::to_string(placement.FullLines) + "): it shows what fits.";
+    return "Terminal " + std::to_string(size.Columns) + " x " + std::to_string(size.Lines) +
+           ", window " + std::to_string(placement.FullColumns) + " x " +
+           std::to_string(placement.FullLines) + ": showing what fits.";
   }
   return {};
 }

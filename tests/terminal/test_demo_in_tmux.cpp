@@ -1,7 +1,8 @@
-// The drop demo in a real terminal emulator, tmux, at 80 x 26: the prompt, a click, the
-// Ctrl+] menu (copy text into the terminal's clipboard, save the picture), the delay typed as
-// keys, the full tub with the closing text in its colours, and the terminal given back after
-// the program's end, after a hang-up or a crash, and a program that ends with its pane.
+// The drop demo in a real terminal emulator, tmux, at 80 x 26: the prompt, a smaller terminal,
+// a click, the Ctrl+] menu (copy text into the terminal's clipboard, save the picture), the
+// delay typed as keys and pasted, the full tub with the closing text in its colours; the
+// terminal given back after the program's end, the menu's Quit, a hang-up and a crash; and a
+// program that ends with its pane.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -19,10 +20,12 @@ namespace {
 const std::string Prompt = "Verzögerung in hundertstel ms: 5000";
 
 // The pane runs the demo, then tells how it ended and keeps the terminal's modes and what is
-// typed or pasted afterwards in files of its folder.
-std::string demoCommand() {
-  return std::string("ulimit -c 0; ") + RVTOOLS_KESSVIND +
-         " --terminal --log log; echo \"exit $?\"; stty -a > modes; cat > typed";
+// typed or pasted afterwards in files of its folder. Without a display the demo chooses the
+// terminal itself.
+std::string demoCommand(const std::string& options = "--terminal") {
+  return std::string("ulimit -c 0; env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ") +
+         RVTOOLS_KESSVIND + " " + options + " --log log; echo \"exit $?\"; stty -a > modes; " +
+         "cat > typed";
 }
 
 std::string fileText(const std::string& path) {
@@ -95,6 +98,12 @@ TEST(DemoInTmux, RunsToTheFullTubAndGivesTheTerminalBack) {
   EXPECT_EQ(colourAt(joined(session.screen(true)), Prompt, "38"), "0;255;0");
   EXPECT_TRUE(session.screen()[25].ends_with("Ctrl+] menu"));
 
+  // A smaller terminal shows what fits and says so; the whole window comes back with the size.
+  session.tmux("resize-window -x 60 -y 20");
+  EXPECT_TRUE(session.waitForLine(19, "Terminal 60 x 20, window 80 x 25: showing what fits."));
+  session.tmux("resize-window -x 80 -y 26");
+  EXPECT_TRUE(session.waitForLine(25, "Kessvind"));
+
   // A click on column 5, line 3 is one at the top left pixel of that cell.
   session.tmux("send-keys -l '\x1B[<0;5;3M\x1B[<0;5;3m'");
   EXPECT_TRUE(waitForFileText(session.folder() + "/log",
@@ -123,20 +132,33 @@ TEST(DemoInTmux, RunsToTheFullTubAndGivesTheTerminalBack) {
   EXPECT_TRUE(fileText(session.folder() + "/log").ends_with("applicationWillTerminate: Called.\n"));
 }
 
-TEST(DemoInTmux, AHangUpOrACrashGivesTheTerminalBack) {
-  for (const auto& [signal, exitLine] : {std::pair{SIGHUP, "exit 129"}, {SIGSEGV, "exit 139"}}) {
-    SCOPED_TRACE(exitLine);
+// A paste at the prompt is typed by the demo's paste handler; then the demo is left by the
+// menu's Quit, a hang-up (as when an SSH connection drops) or a crash.
+TEST(DemoInTmux, QuitHangUpOrCrashGivesTheTerminalBack) {
+  struct Ending {
+    int Signal;
+    std::string ExitLine;
+  };
+  for (const Ending& ending : {Ending{0, "exit 0"}, {SIGHUP, "exit 129"}, {SIGSEGV, "exit 139"}}) {
+    SCOPED_TRACE(ending.ExitLine);
     TmuxSession session(demoCommand(), 80, 26);
     ASSERT_TRUE(session.waitForLine(3, Prompt));
+    session.sendKeys("BSpace");
+    session.tmux("set-buffer 77 \\; paste-buffer -p");
+    EXPECT_TRUE(session.waitForLine(3, "Verzögerung in hundertstel ms: 50077"));
     const int program = session.programProcess();
     ASSERT_GT(program, 0);
-    kill(program, signal);
-    expectTerminalGivenBack(session, exitLine);
+    if (ending.Signal == 0) {
+      session.sendKeys("C-] q");
+    } else {
+      kill(program, ending.Signal);
+    }
+    expectTerminalGivenBack(session, ending.ExitLine);
   }
 }
 
 TEST(DemoInTmux, TheProgramEndsWithItsPane) {
-  TmuxSession session(demoCommand(), 80, 26);
+  TmuxSession session(demoCommand(""), 80, 26);
   ASSERT_TRUE(session.waitForLine(3, Prompt));
   const int program = session.programProcess();
   ASSERT_GT(program, 0);
