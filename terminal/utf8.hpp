@@ -1,0 +1,29 @@
+// Internal to the terminal host: UTF-8 encoding of one character and decoding of one character
+// from the front of a byte string, as the terminal's input and output need them.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace rvtools::terminal {
+
+// Appends `character` to `out` in UTF-8; a value that is no Unicode scalar becomes U+FFFD.
+void appendUtf8(std::string& out, char32_t character);
+std::string utf8Of(char32_t character);
+
+// The first character of `bytes` and how many bytes it takes.
+struct DecodedCharacter {
+  char32_t Character = 0;
+  std::size_t Length = 0;
+};
+
+// What the bytes at the front of `bytes` are: a character, too few bytes yet (nothing, with
+// `complete` false), or no valid UTF-8 (nothing, with `complete` true: one byte to skip).
+std::optional<DecodedCharacter> decodeUtf8(std::string_view bytes, bool& complete);
+
+// The characters of UTF-8 text; bytes that are no valid UTF-8 are left out.
+std::u32string charactersOf(std::string_view text);
+
+}  // namespace rvtools::terminal
