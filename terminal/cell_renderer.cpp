@@ -8,7 +8,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "terminal/utf8.hpp"
+#include "rvtools/runtime.hpp"
 
 namespace rvtools::terminal {
 namespace {
@@ -145,7 +145,7 @@ std::string CellRenderer::render(const CellGrid& next) {
       if (full ? cell == Cell{} : cell == shown_.at(column, line)) continue;
       moveTo(out, column, line);
       setColours(out, cell);
-      appendUtf8(out, cell.Character);
+      out += utf8Of(cell.Character);
       // After the last column the cursor waits at the edge; where it is then is not certain.
       cursorColumn_ = column + 1 < next.columns() ? column + 1 : -1;
     }

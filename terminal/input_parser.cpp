@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "rvtools/runtime.hpp"
 #include "terminal/utf8.hpp"
 
 namespace rvtools::terminal {

@@ -1,11 +1,10 @@
-// UTF-8 for the terminal host: one character out, one character in. Overlong forms,
-// surrogates and values beyond U+10FFFF are refused, so that bad input never becomes a key.
+// UTF-8 for the terminal host: characters read one at a time from what the terminal sends,
+// which may stop in the middle of one. Overlong forms, surrogates and values beyond U+10FFFF
+// are refused, so that bad input never becomes a key.
 #include "terminal/utf8.hpp"
 
 namespace rvtools::terminal {
 namespace {
-
-constexpr char32_t Replacement = 0xFFFD;
 
 bool isScalar(char32_t character) {
   return character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF);
@@ -16,31 +15,6 @@ bool isContinuation(unsigned char byte) {
 }
 
 }  // namespace
-
-void appendUtf8(std::string& out, char32_t character) {
-  if (!isScalar(character)) character = Replacement;
-  if (character < 0x80) {
-    out += static_cast<char>(character);
-  } else if (character < 0x800) {
-    out += static_cast<char>(0xC0 | (character >> 6));
-    out += static_cast<char>(0x80 | (character & 0x3F));
-  } else if (character < 0x10000) {
-    out += static_cast<char>(0xE0 | (character >> 12));
-    out += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (character & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (character >> 18));
-    out += static_cast<char>(0x80 | ((character >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (character & 0x3F));
-  }
-}
-
-std::string utf8Of(char32_t character) {
-  std::string out;
-  appendUtf8(out, character);
-  return out;
-}
 
 std::optional<DecodedCharacter> decodeUtf8(std::string_view bytes, bool& complete) {
   complete = true;

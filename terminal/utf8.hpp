@@ -1,5 +1,5 @@
-// Internal to the terminal host: UTF-8 encoding of one character and decoding of one character
-// from the front of a byte string, as the terminal's input and output need them.
+// Internal to the terminal host: decoding of one character from the front of a byte string, as
+// the terminal's input needs it. Encoding is rvtools::utf8Of (rvtools/runtime.hpp).
 #pragma once
 
 #include <cstddef>
@@ -8,10 +8,6 @@
 #include <string_view>
 
 namespace rvtools::terminal {
-
-// Appends `character` to `out` in UTF-8; a value that is no Unicode scalar becomes U+FFFD.
-void appendUtf8(std::string& out, char32_t character);
-std::string utf8Of(char32_t character);
 
 // The first character of `bytes` and how many bytes it takes.
 struct DecodedCharacter {

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 
+#include "rvtools/runtime.hpp"
 #include "terminal/input_parser.hpp"
 #include "terminal/utf8.hpp"
 
