@@ -62,7 +62,7 @@ class ColourTable {
 void beginFrame(bool transparent, const Area& area, IndexedFrame& frame) {
   frame.Place = area;
   frame.Colours.clear();
-  frame.Indices.resize(static_cast<std::size_t>(area.Width) * area.Height);
+  frame.Indices.assign(static_cast<std::size_t>(area.Width) * area.Height, 0);
   frame.Transparent.reset();
   frame.Quantised = false;
   if (transparent) {

@@ -187,6 +187,27 @@ TEST_F(RecordTest, FramesOfMoreThan256ColoursAreCloseAndDelaysAddUpToTheTimeReco
   EXPECT_NEAR(total * 10, recorded.count(), 1000 / 30);
 }
 
+// 320 colours do not fit one GIF colour table; two parts of two centiseconds keep them exact.
+TEST_F(RecordTest, APictureOfMoreThan255ColoursIsDrawnExactlyInTwoParts) {
+  initTextWindow(0, 24, 4, 2);
+  t_WindowVisible(0, true);
+  ASSERT_TRUE(t_RecordStart(0, path("parts.gif")));
+  std::this_thread::sleep_for(50ms);
+  for (Int i = 0; i < 320; ++i) {
+    UInt8* pixel = &VideoMemory[Windows[0].MemoryStart + 3 * i];
+    pixel[0] = static_cast<UInt8>(i);
+    pixel[1] = static_cast<UInt8>(i / 256 + 1);
+    pixel[2] = 7;
+  }
+  t_WindowUpdate(0, true);
+  std::this_thread::sleep_for(50ms);
+  ASSERT_TRUE(t_RecordStop(0));
+  const Animation animation = decodedAnimation(path("parts.gif"));
+  ASSERT_EQ(animation.Pictures.size(), 3u);
+  EXPECT_EQ(animation.Pictures.back(), t_WindowImage(0)->Pixels);
+  EXPECT_EQ(animation.Delays[1], 2);
+}
+
 TEST_F(RecordTest, StartingTwiceStoppingWhatDoesNotRecordAndWindowsWithoutPicturesAreRefused) {
   std::vector<std::pair<UInt8, bool>> told;
   setRecordingObserver(
