@@ -109,7 +109,7 @@ class Recording {
   void takeFrame();
 
   struct Outcome {
-    int Pictures = 0;  // pictures that reached the file
+    int Pictures = 0;  // changed pictures that reached the encoder
     std::uint64_t Dropped = 0;
     std::optional<std::string> Failure;  // why the file could not be written
   };
