@@ -1,7 +1,7 @@
 // runHeadless: the whole main of a program without a display. It installs a headless host, runs
-// the launch sequence, types, clicks and chooses what the command line asks for once the
-// program's first window is up, waits for the program to end, and leaves the first window's
-// picture and screen in files when asked to (run_options.hpp).
+// the launch sequence, starts recording the program's first window once it is up, types, clicks
+// and chooses what the command line asks for, waits for the program to end, and leaves the
+// recording and the first window's picture and screen in files when asked to (run_options.hpp).
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -72,6 +72,11 @@ void choose(HeadlessHost& host, const MenuChoice& choice) {
   std::fprintf(stderr, "runHeadless: no menu item is titled \"%s\"\n", choice.ItemTitle.c_str());
 }
 
+void startRecording(const std::string& path) {
+  if (path.empty()) return;
+  if (const std::optional<UInt8> window = firstWindowWhenUp()) t_RecordStart(*window, path);
+}
+
 void giveInputs(HeadlessHost& host, const std::vector<headless::ScriptedInput>& inputs) {
   if (inputs.empty()) return;
   const std::optional<UInt8> window = firstWindowWhenUp();
@@ -92,6 +97,7 @@ void writeScreen(UInt8 window, const std::string& path) {
 
 void leaveFiles(const headless::RunOptions& options) {
   const UInt8 window = DefaultWindow;
+  if (!options.RecordPath.empty() && t_IsRecording(window)) t_RecordStop(window);
   if (!options.PicturePath.empty()) t_SavePicture(window, options.PicturePath);
   if (!options.ScreenPath.empty()) writeScreen(window, options.ScreenPath);
 }
@@ -107,6 +113,7 @@ int runHeadless(int argc, char** argv, std::function<void()> entry) {
   static auto* host = new HeadlessHost;
   setHost(*host);
   runLaunchSequence(std::move(entry));
+  startRecording(options.RecordPath);
   giveInputs(*host, options.Inputs);
   while (programRunning()) std::this_thread::sleep_for(10ms);
   leaveFiles(options);

@@ -1,7 +1,8 @@
 // The command line of runHeadless: scripted keys, clicks and menu choices, and the files a
-// program leaves when it ends. Keys without text are named in braces, as they are printed on
-// the keys: {Left}, {Right}, {Up}, {Down}, {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the
-// forward delete), {Backspace}, {Return}, {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12}.
+// program leaves: its recording and, when it has ended, its picture and screen. Keys without
+// text are named in braces, as they are printed on the keys: {Left}, {Right}, {Up}, {Down},
+// {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the forward delete), {Backspace}, {Return},
+// {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12}.
 #include "headless/run_options.hpp"
 
 #include <algorithm>
@@ -149,7 +150,7 @@ RunOptions parseRunOptions(int argc, char** argv) {
   for (int i = 1; i < argc && options.Error.empty(); ++i) {
     const std::string_view option = argv[i];
     const bool known = option == "--keys" || option == "--click" || option == "--menu" ||
-                       option == "--picture" || option == "--screen";
+                       option == "--record" || option == "--picture" || option == "--screen";
     if (!known) continue;
     if (i + 1 >= argc) {
       options.Error = std::string(option) + " needs a value";
@@ -164,6 +165,8 @@ RunOptions parseRunOptions(int argc, char** argv) {
       if (click) options.Inputs.emplace_back(*click);
     } else if (option == "--menu") {
       options.Inputs.emplace_back(MenuChoice{std::string(value)});
+    } else if (option == "--record") {
+      options.RecordPath = value;
     } else if (option == "--picture") {
       options.PicturePath = value;
     } else {

@@ -6,6 +6,8 @@
 //                     \r \n \t \e \\ \{ and \xNN escapes as in C (\e is Escape)
 //   --click <x>,<y>   a left click at pixel (x, y) of the first window's drawing area
 //   --menu <item>     chooses the menu item of that title
+//   --record <path>   records the first window as an animated GIF from when it is up until the
+//                     program has ended (t_RecordStart)
 //   --picture <path>  the first window's picture as a PNG file when the program has ended
 //   --screen <path>   its text screen and colours as a text file when the program has ended
 //
@@ -35,6 +37,7 @@ using ScriptedInput = std::variant<std::vector<KeyStroke>, Click, MenuChoice>;
 
 struct RunOptions {
   std::vector<ScriptedInput> Inputs;
+  std::string RecordPath;
   std::string PicturePath;
   std::string ScreenPath;
   std::string Error;  // what was wrong with the command line; empty when all was understood

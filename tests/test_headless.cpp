@@ -1,5 +1,5 @@
 // Programs run without a display: the keys, clicks and menu choices runHeadless gives them from
-// its command line, and the picture and screen it leaves when they end.
+// its command line, and the recording, picture and screen it leaves.
 #include <png.h>
 
 #include <cstdio>
@@ -69,7 +69,8 @@ class HeadlessRunTest : public ::testing::Test {
 TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) {
   ASSERT_EQ(runProbe("--keys '{Backspace}cd{Left}X\\r' --keys '{F1}' --click 17,40 "
                      "--menu 'Program Action' --screen " +
-                     path("screen.txt") + " --picture " + path("picture.png")),
+                     path("screen.txt") + " --picture " + path("picture.png") + " --record " +
+                     path("film.gif")),
             0);
   const std::string screen = file("screen.txt");
   EXPECT_EQ(screen.substr(0, screen.find("\n\n") + 1),
@@ -81,6 +82,8 @@ TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) 
   EXPECT_EQ(image.width, 16u * 16);
   EXPECT_EQ(image.height, 4u * 32);
   png_image_free(&image);
+  const std::string film = file("film.gif");
+  EXPECT_TRUE(film.starts_with("GIF89a") && film.ends_with(";")) << film.size() << " bytes";
   EXPECT_NE(file("log.txt").find("applicationWillTerminate: Called."), std::string::npos);
 }
 
