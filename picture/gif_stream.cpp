@@ -1,7 +1,8 @@
 // Animated GIF files through giflib's streaming interface: a GIF89a screen without a global
-// colour table, the NETSCAPE2.0 extension that makes it loop, and per frame a graphic control
-// extension (delay, transparent index, frames left in place) and an image with a colour table
-// of its own. giflib's output function appends to the PendingFile; a failed write ends giflib's
+// colour table and per frame a graphic control extension (delay, transparent index, frames left
+// in place) and an image with a colour table of its own. A recording plays once and then keeps
+// showing its last picture, as the window did when the recording ended; it has no loop
+// extension. giflib's output function appends to the PendingFile; a failed write ends giflib's
 // work with an error that finish() reports.
 #include "picture/gif_stream.hpp"
 
@@ -36,11 +37,6 @@ GifStream::GifStream(PendingFile& file, int width, int height) : file_(file) {
   if (gif_ == nullptr) return;
   EGifSetGifVersion(gif_, true);
   check(EGifPutScreenDesc(gif_, width, height, 8, 0, nullptr));
-  const GifByteType loopForEver[3] = {1, 0, 0};
-  check(EGifPutExtensionLeader(gif_, APPLICATION_EXT_FUNC_CODE));
-  check(EGifPutExtensionBlock(gif_, 11, "NETSCAPE2.0"));
-  check(EGifPutExtensionBlock(gif_, sizeof loopForEver, loopForEver));
-  check(EGifPutExtensionTrailer(gif_));
 }
 
 GifStream::~GifStream() {

@@ -14,7 +14,7 @@ namespace rvtools::picture {
 
 class GifStream {
  public:
-  // Starts an animation of width x height pixels in `file` that plays in a loop.
+  // Starts an animation of width x height pixels in `file` that plays once.
   GifStream(PendingFile& file, int width, int height);
   ~GifStream();
   GifStream(const GifStream&) = delete;
