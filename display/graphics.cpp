@@ -314,4 +314,20 @@ std::string unicodeScreenText(UInt8 window) {
   return text;
 }
 
+std::string screenColorText(UInt8 window) {
+  t_Window* record = checkedWindow("t_GetScreen", window, Needs::TextMemory);
+  if (record == nullptr) return {};
+  const CellGrid grid = heldCells(*record);
+  const Int half = textCells(*record).half;
+  std::string text;
+  for (Int line = 0; line < grid.lines; ++line) {
+    for (Int column = 0; column < grid.columns; ++column) {
+      if (column > 0) text += ' ';
+      text += ByteToHex(VideoMemory[cellAddress(*record, column, line) + half]);
+    }
+    text += '\n';
+  }
+  return text;
+}
+
 }  // namespace rvtools

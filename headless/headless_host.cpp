@@ -5,7 +5,6 @@
 #include "rvtools/headless.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <thread>
 
 #include "rvtools/host.hpp"
@@ -304,17 +303,6 @@ bool HeadlessHost::clearTextView(UInt8 window) {
 
 void HeadlessHost::preparePasteboardView() {
   clearTextView(PasteboardWindowNumber);
-}
-
-int runHeadless(int, char**, std::function<void()> entry) {
-  static auto* host = new HeadlessHost;
-  setHost(*host);
-  runLaunchSequence(std::move(entry));
-  while (ProgramStartPending || runningProgramThreads() > 0) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  runTerminationSequence();
-  return 0;
 }
 
 }  // namespace rvtools

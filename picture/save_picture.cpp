@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "picture/file_output.hpp"
+#include "picture/window_picture.hpp"
 #include "rvtools/display.hpp"
 #include "rvtools/picture.hpp"
 #include "rvtools/runtime.hpp"
@@ -15,10 +16,7 @@ namespace {
 
 // The reason the window has no picture to save, or nothing when it has one.
 std::optional<std::string> missingPicture(UInt8 window) {
-  if (window >= 8) return "Window is not a graphic window.";
-  if (!MemoryInitialized || !Windows[window].Initialized) {
-    return "Window #" + std::to_string(window) + " not initialized.";
-  }
+  if (std::optional<std::string> reason = picture::missingWindow(window)) return reason;
   if (!Windows[window].Visible) return "Window #" + std::to_string(window) + " is not visible.";
   return std::nullopt;
 }

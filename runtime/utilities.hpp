@@ -1,4 +1,6 @@
-// Internal: number formatting for the runtime's log lines, and the Unicode scalars of texts.
+// Internal: number formatting for the runtime's log lines, and character counts of texts. The
+// conversions between UTF-8 and Unicode scalars, scalarsOf and utf8Of, are public
+// (rvtools/runtime.hpp).
 #pragma once
 
 #include <string>
@@ -13,11 +15,7 @@ namespace rvtools {
 // (3,072,000 bytes give "3000,00").
 std::string kilobyteText(Int bytes);
 
-// The Unicode scalars of UTF-8 text; a byte that starts no valid sequence becomes U+FFFD.
-std::vector<char32_t> scalarsOf(std::string_view text);
 // The number of Unicode scalars in UTF-8 text, counted as scalarsOf counts them.
 Int characterCount(std::string_view text);
-// The UTF-8 form of one scalar; a value that is no scalar becomes U+FFFD.
-std::string utf8Of(char32_t scalar);
 
 }  // namespace rvtools

@@ -1,15 +1,23 @@
-// The main of a desktop program: the application object, the delegate with all windows, the Qt
-// host, the launch sequence inside the event loop, and an exit that does not wait for the
-// program thread. Without a display it says so and ends before Qt is started.
+// The main of a program: it chooses its host. "--headless" runs it without a screen,
+// "--terminal" in the terminal, and so does the absence of a display when standard input and
+// output are a terminal; otherwise the desktop: the application object, the delegate with all
+// windows, the Qt host, the launch sequence inside the event loop, and an exit that does not
+// wait for the program thread. Without a display and without a terminal it says so and ends
+// before Qt is started.
+#include <unistd.h>
+
 #include <QApplication>
 #include <QTimer>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
+#include "rvtools/headless.hpp"
 #include "rvtools/host.hpp"
 #include "rvtools/shell.hpp"
+#include "rvtools/terminal.hpp"
 #include "shell/app_delegate.hpp"
 #include "shell/qt_host.hpp"
 
@@ -25,6 +33,17 @@ bool displayIsNamed() {
   return false;
 }
 
+bool terminalIsAttached() {
+  return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
+}
+
+bool hasOption(int argc, char** argv, std::string_view option) {
+  for (int i = 1; i < argc; ++i) {
+    if (argv[i] == option) return true;
+  }
+  return false;
+}
+
 // The name of the bundle <Name>.app around the executable, or the executable's own name when
 // it lies in no bundle.
 std::string programName(const char* invokedAs) {
@@ -36,6 +55,10 @@ std::string programName(const char* invokedAs) {
 }  // namespace
 
 int run(int argc, char** argv, std::function<void()> entry) {
+  if (hasOption(argc, argv, "--headless")) return runHeadless(argc, argv, std::move(entry));
+  if (hasOption(argc, argv, "--terminal") || (!displayIsNamed() && terminalIsAttached())) {
+    return runTerminal(argc, argv, std::move(entry));
+  }
   if (!displayIsNamed()) {
     std::fprintf(stderr, "%s needs a graphical display: set DISPLAY or run it under Xvfb.\n",
                  programName(argc > 0 ? argv[0] : nullptr).c_str());

@@ -52,6 +52,10 @@ void t_LoResOffset(UInt8 window, Int x, Int y);  // added to every plot position
 Int t_Scrn(UInt8 window, Int x, Int y);          // colour of a point, or -1
 void t_InvertRect(UInt8 window, Int firstColumn, Int firstLine, Int lastColumn, Int lastLine);
 std::string t_GetScreen(UInt8 window, const std::string& separator);  // the text screen
+// The colour bytes of the text screen, line by line: two upper-case hexadecimal digits a cell,
+// a blank between cells, a line feed after each line. Empty, with t_GetScreen's log line, for
+// a window without text memory.
+std::string screenColorText(UInt8 window);
 
 // ---------------------------------------------------------------------------------------------
 // Colours

@@ -116,7 +116,23 @@ class HeadlessHost : public Host {
 
 // The whole main of a program without a display: installs a headless host, runs the launch
 // sequence, which starts `entry` on the program thread, and returns 0 when the program has
-// ended, after the termination sequence.
+// ended, after the termination sequence; 2 when the command line asks for something it cannot
+// do. Once the program's first window is up it starts recording it, if asked:
+//   --record <path>   the first window as an animated GIF (t_RecordStart) until the program
+//                     has ended
+// and types, clicks and chooses menu items as the command line says, in that order, each once
+// the keys before it have been taken:
+//   --keys <text>     types the text; {Left}, {Right}, {Up}, {Down}, {Home}, {End}, {PageUp},
+//                     {PageDown}, {Delete}, {Backspace}, {Return}, {Enter}, {Escape}, {Tab},
+//                     {F1}..{F12} are keys without text; \r \n \t \e (Escape) \\ \{ and
+//                     \xNN are escapes
+//   --click <x>,<y>   a left click at pixel (x, y) of the first window's drawing area
+//   --menu <item>     chooses the menu item of that title
+// When the program has ended it leaves, if asked:
+//   --picture <path>  the first window's picture as a PNG file (t_SavePicture)
+//   --screen <path>   its text screen (unicodeScreenText), an empty line, and its colour bytes
+//                     (screenColorText)
+// Arguments it does not know are left to the program.
 int runHeadless(int argc, char** argv, std::function<void()> entry);
 
 }  // namespace rvtools

@@ -149,6 +149,10 @@ std::string TextMiddle(std::string_view text, Int start, Int length);
 std::string RealToText(double value);  // shortest form, decimal comma
 std::string ByteToHex(UInt8 value);    // two upper-case digits
 std::string HexText(Int value);        // eight upper-case digits, low 32 bits
+// The Unicode scalars of UTF-8 text; a byte that starts no valid sequence becomes U+FFFD.
+std::vector<char32_t> scalarsOf(std::string_view text);
+// The UTF-8 form of one scalar; a value that is no scalar becomes U+FFFD.
+std::string utf8Of(char32_t scalar);
 
 // ---------------------------------------------------------------------------------------------
 // Auxiliary windows and files

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "runtime/utilities.hpp"
 #include "rvtools/rvtools.hpp"
 #include "rvtools/shell.hpp"
 

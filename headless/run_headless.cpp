@@ -1,0 +1,124 @@
+// runHeadless: the whole main of a program without a display. It installs a headless host, runs
+// the launch sequence, starts recording the program's first window once it is up, types, clicks
+// and chooses what the command line asks for, waits for the program to end, and leaves the
+// recording and the first window's picture and screen in files when asked to (run_options.hpp).
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <optional>
+#include <thread>
+
+#include "headless/run_options.hpp"
+#include "rvtools/headless.hpp"
+#include "rvtools/lifecycle.hpp"
+#include "rvtools/picture.hpp"
+
+namespace rvtools {
+namespace {
+
+using namespace std::chrono_literals;
+using headless::Click;
+using headless::MenuChoice;
+
+bool programRunning() {
+  return ProgramStartPending || runningProgramThreads() > 0;
+}
+
+// The window the program initialised first, once it is up; nothing when the program ended
+// without one.
+std::optional<UInt8> firstWindowWhenUp() {
+  for (;;) {
+    const UInt8 window = DefaultWindow;
+    if (MemoryInitialized && window < 8 && Windows[window].Initialized) return window;
+    if (!programRunning()) return std::nullopt;
+    std::this_thread::sleep_for(10ms);
+  }
+}
+
+// Waits until the program has taken every key typed so far, or has ended.
+void waitUntilKeysTaken() {
+  while (EventPending && programRunning()) std::this_thread::sleep_for(10ms);
+}
+
+void type(UInt8 window, const std::vector<KeyStroke>& keys) {
+  for (const KeyStroke& key : keys) {
+    viewKeyDown(window, key.KeyNumber, key.Characters, key.Flags);
+    viewKeyUp();
+  }
+}
+
+// A left click at a pixel of the drawing area, in window coordinates: the content's lower left
+// is the origin, the border included.
+void click(UInt8 window, const Click& at) {
+  const t_Window& record = Windows[window];
+  const double x = static_cast<double>(at.X + record.BorderWidth);
+  const double y = static_cast<double>(record.BorderHeight + record.Height - at.Y);
+  viewMouseDown(window, {1, 0}, x, y, false);
+  viewMouseUp();
+}
+
+void choose(HeadlessHost& host, const MenuChoice& choice) {
+  for (const HeadlessHost::Menu& menu : host.menus()) {
+    for (const HeadlessHost::MenuItem& item : menu.Items) {
+      if (item.Title != choice.ItemTitle) continue;
+      t_MenuItem chosen;
+      chosen.MenuTitle = menu.Title;
+      chosen.ItemTitle = item.Title;
+      chosen.Tag = item.Tag;
+      t_MenuEventHandler(chosen);
+      return;
+    }
+  }
+  std::fprintf(stderr, "runHeadless: no menu item is titled \"%s\"\n", choice.ItemTitle.c_str());
+}
+
+void startRecording(const std::string& path) {
+  if (path.empty()) return;
+  if (const std::optional<UInt8> window = firstWindowWhenUp()) t_RecordStart(*window, path);
+}
+
+void giveInputs(HeadlessHost& host, const std::vector<headless::ScriptedInput>& inputs) {
+  if (inputs.empty()) return;
+  const std::optional<UInt8> window = firstWindowWhenUp();
+  if (!window) return;
+  for (const headless::ScriptedInput& input : inputs) {
+    waitUntilKeysTaken();
+    if (const auto* keys = std::get_if<std::vector<KeyStroke>>(&input)) type(*window, *keys);
+    if (const auto* at = std::get_if<Click>(&input)) click(*window, *at);
+    if (const auto* choice = std::get_if<MenuChoice>(&input)) choose(host, *choice);
+  }
+}
+
+void writeScreen(UInt8 window, const std::string& path) {
+  std::ofstream file(path, std::ios::binary);
+  file << unicodeScreenText(window) << '\n' << screenColorText(window);
+  if (!file.flush()) std::fprintf(stderr, "runHeadless: cannot write %s\n", path.c_str());
+}
+
+void leaveFiles(const headless::RunOptions& options) {
+  const UInt8 window = DefaultWindow;
+  if (!options.RecordPath.empty() && t_IsRecording(window)) t_RecordStop(window);
+  if (!options.PicturePath.empty()) t_SavePicture(window, options.PicturePath);
+  if (!options.ScreenPath.empty()) writeScreen(window, options.ScreenPath);
+}
+
+}  // namespace
+
+int runHeadless(int argc, char** argv, std::function<void()> entry) {
+  const headless::RunOptions options = headless::parseRunOptions(argc, argv);
+  if (!options.Error.empty()) {
+    std::fprintf(stderr, "runHeadless: %s\n", options.Error.c_str());
+    return 2;
+  }
+  static auto* host = new HeadlessHost;
+  setHost(*host);
+  runLaunchSequence(std::move(entry));
+  startRecording(options.RecordPath);
+  giveInputs(*host, options.Inputs);
+  while (programRunning()) std::this_thread::sleep_for(10ms);
+  leaveFiles(options);
+  runTerminationSequence();
+  return 0;
+}
+
+}  // namespace rvtools

@@ -1,0 +1,179 @@
+// The command line of runHeadless: scripted keys, clicks and menu choices, and the files a
+// program leaves: its recording and, when it has ended, its picture and screen. Keys without
+// text are named in braces, as they are printed on the keys: {Left}, {Right}, {Up}, {Down},
+// {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the forward delete), {Backspace}, {Return},
+// {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12}.
+#include "headless/run_options.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <utility>
+
+#include "rvtools/input.hpp"
+#include "rvtools/runtime.hpp"
+
+namespace rvtools::headless {
+namespace {
+
+// A key that types no text, as the desktop reports it: its private-use character and the
+// function flag, the arrows also the numeric-pad flag.
+KeyStroke keyWithoutText(Int keyNumber, char32_t character, bool arrow = false) {
+  return {keyNumber, utf8Of(character), FunctionFlag | (arrow ? NumericPadFlag : 0)};
+}
+
+std::optional<KeyStroke> namedKey(std::string_view name) {
+  const std::pair<std::string_view, KeyStroke> keys[] = {
+      {"Left", keyWithoutText(Key::Left, KeyCharacter::Left, true)},
+      {"Right", keyWithoutText(Key::Right, KeyCharacter::Right, true)},
+      {"Up", keyWithoutText(Key::Up, KeyCharacter::Up, true)},
+      {"Down", keyWithoutText(Key::Down, KeyCharacter::Down, true)},
+      {"Home", keyWithoutText(Key::Home, KeyCharacter::Home)},
+      {"End", keyWithoutText(Key::End, KeyCharacter::End)},
+      {"PageUp", keyWithoutText(Key::PageUp, KeyCharacter::PageUp)},
+      {"PageDown", keyWithoutText(Key::PageDown, KeyCharacter::PageDown)},
+      {"Delete", keyWithoutText(Key::ForwardDelete, KeyCharacter::ForwardDelete)},
+      {"Backspace", {Key::Backspace, "\x7F", 0}},
+      {"Return", {Key::Return, "\r", 0}},
+      {"Enter", {Key::KeypadEnter, "\x03", NumericPadFlag}},
+      {"Escape", {Key::Escape, "\x1B", 0}},
+      {"Tab", {Key::Tab, "\t", 0}},
+  };
+  for (const auto& [keyName, stroke] : keys) {
+    if (keyName == name) return stroke;
+  }
+  if (name.size() >= 2 && name[0] == 'F') {
+    int n = 0;
+    const auto [end, problem] = std::from_chars(name.data() + 1, name.data() + name.size(), n);
+    if (problem == std::errc() && end == name.data() + name.size() && n >= 1 && n <= 12) {
+      return keyWithoutText(functionKeyNumber(n), KeyCharacter::F1 + n - 1);
+    }
+  }
+  return std::nullopt;
+}
+
+// The character of a backslash escape at text[0] (the backslash itself already read); the
+// number of characters it took after the backslash.
+std::optional<char32_t> escapedCharacter(std::string_view text, std::size_t& length) {
+  length = 1;
+  if (text.empty()) return std::nullopt;
+  switch (text[0]) {
+    case 'r':
+      return U'\r';
+    case 'n':
+      return U'\n';
+    case 't':
+      return U'\t';
+    case 'e':
+      return 0x1B;
+    case '\\':
+    case '{':
+      return static_cast<char32_t>(text[0]);
+    case 'x': {
+      unsigned value = 0;
+      const auto [end, problem] = std::from_chars(
+          text.data() + 1, text.data() + std::min<std::size_t>(text.size(), 3), value, 16);
+      if (problem != std::errc() || end != text.data() + 3) return std::nullopt;
+      length = 3;
+      return value;
+    }
+    default:
+      return std::nullopt;
+  }
+}
+
+// The bytes of the UTF-8 sequence that starts at `at`, at least one.
+std::size_t scalarLength(std::string_view text, std::size_t at) {
+  const auto lead = static_cast<unsigned char>(text[at]);
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+  return std::min(length, text.size() - at);
+}
+
+std::optional<Click> clickAt(std::string_view position) {
+  const std::size_t comma = position.find(',');
+  if (comma == std::string_view::npos) return std::nullopt;
+  Click click;
+  const char* end = position.data() + position.size();
+  const auto x = std::from_chars(position.data(), position.data() + comma, click.X);
+  const auto y = std::from_chars(position.data() + comma + 1, end, click.Y);
+  if (x.ec != std::errc() || x.ptr != position.data() + comma || y.ec != std::errc() ||
+      y.ptr != end) {
+    return std::nullopt;
+  }
+  return click;
+}
+
+}  // namespace
+
+std::vector<KeyStroke> keyStrokesOf(std::string_view text, std::string& error) {
+  std::vector<KeyStroke> strokes;
+  for (std::size_t at = 0; at < text.size() && error.empty();) {
+    if (text[at] == '{') {
+      const std::size_t close = text.find('}', at);
+      const std::string_view name =
+          text.substr(at + 1, close == std::string_view::npos ? 0 : close - at - 1);
+      const std::optional<KeyStroke> key =
+          close == std::string_view::npos ? std::nullopt : namedKey(name);
+      if (!key) error = "no key named {" + std::string(name) + "}";
+      if (key) strokes.push_back(*key);
+      at = close == std::string_view::npos ? text.size() : close + 1;
+      continue;
+    }
+    char32_t character = 0;
+    if (text[at] == '\\') {
+      std::size_t length = 0;
+      const std::optional<char32_t> escaped = escapedCharacter(text.substr(at + 1), length);
+      if (!escaped) {
+        error = "unknown escape \\" + std::string(text.substr(at + 1, 1));
+        break;
+      }
+      character = *escaped;
+      at += 1 + length;
+    } else {
+      const std::size_t length = scalarLength(text, at);
+      const std::vector<char32_t> scalars = scalarsOf(text.substr(at, length));
+      character = scalars.empty() ? 0xFFFD : scalars.front();
+      at += length;
+    }
+    const std::optional<KeyStroke> stroke = keyStrokeOfCharacter(character);
+    if (!stroke) {
+      error = "no key types U+" + std::to_string(static_cast<unsigned>(character));
+      break;
+    }
+    strokes.push_back(*stroke);
+  }
+  return strokes;
+}
+
+RunOptions parseRunOptions(int argc, char** argv) {
+  RunOptions options;
+  for (int i = 1; i < argc && options.Error.empty(); ++i) {
+    const std::string_view option = argv[i];
+    const bool known = option == "--keys" || option == "--click" || option == "--menu" ||
+                       option == "--record" || option == "--picture" || option == "--screen";
+    if (!known) continue;
+    if (i + 1 >= argc) {
+      options.Error = std::string(option) + " needs a value";
+      break;
+    }
+    const std::string_view value = argv[++i];
+    if (option == "--keys") {
+      options.Inputs.emplace_back(keyStrokesOf(value, options.Error));
+    } else if (option == "--click") {
+      const std::optional<Click> click = clickAt(value);
+      if (!click) options.Error = "--click takes x,y";
+      if (click) options.Inputs.emplace_back(*click);
+    } else if (option == "--menu") {
+      options.Inputs.emplace_back(MenuChoice{std::string(value)});
+    } else if (option == "--record") {
+      options.RecordPath = value;
+    } else if (option == "--picture") {
+      options.PicturePath = value;
+    } else {
+      options.ScreenPath = value;
+    }
+  }
+  return options;
+}
+
+}  // namespace rvtools::headless

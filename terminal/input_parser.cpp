@@ -1,0 +1,376 @@
+// The terminal's input as key strokes, mouse reports and pasted text. Characters go through
+// keyStrokeOfCharacter, so that a typed "A" or control-S is the key press the desktop reports;
+// keys without text follow the escape sequences of xterm and of the terminals that copy it
+// (CSI and SS3 forms, "~" codes of the VT220, the Linux console's F1..F5), with the modifier
+// parameter 1 + (Shift 1, Alt 2, Control 4, Meta 8). Depends on rvtools/keys.hpp only.
+#include "terminal/input_parser.hpp"
+
+#include <algorithm>
+
+#include "rvtools/runtime.hpp"
+#include "terminal/utf8.hpp"
+
+namespace rvtools::terminal {
+namespace {
+
+constexpr char Escape = 0x1B;
+constexpr std::string_view PasteEnd = "\x1B[201~";
+// A control sequence longer than this is nothing a terminal sends; it is dropped.
+constexpr std::size_t LongestSequence = 64;
+// Larger numbers in a sequence are cut to this, which no code reaches.
+constexpr int LargestParameter = 9999;
+
+// A key without text: its number, its private-use character and the flags the desktop sets.
+struct NamedKey {
+  Int KeyNumber;
+  char32_t Character;
+  Int Flags;
+};
+
+constexpr Int ArrowFlags = FunctionFlag | NumericPadFlag;
+constexpr NamedKey UpKey{Key::Up, KeyCharacter::Up, ArrowFlags};
+constexpr NamedKey DownKey{Key::Down, KeyCharacter::Down, ArrowFlags};
+constexpr NamedKey RightKey{Key::Right, KeyCharacter::Right, ArrowFlags};
+constexpr NamedKey LeftKey{Key::Left, KeyCharacter::Left, ArrowFlags};
+constexpr NamedKey HomeKey{Key::Home, KeyCharacter::Home, FunctionFlag};
+constexpr NamedKey EndKey{Key::End, KeyCharacter::End, FunctionFlag};
+constexpr NamedKey InsertKey{Key::Insert, KeyCharacter::Insert, FunctionFlag};
+constexpr NamedKey DeleteKey{Key::ForwardDelete, KeyCharacter::ForwardDelete, FunctionFlag};
+constexpr NamedKey PageUpKey{Key::PageUp, KeyCharacter::PageUp, FunctionFlag};
+constexpr NamedKey PageDownKey{Key::PageDown, KeyCharacter::PageDown, FunctionFlag};
+constexpr NamedKey ClearKey{Key::KeypadClear, KeyCharacter::Clear, ArrowFlags};
+
+NamedKey functionKey(int n) {
+  return {functionKeyNumber(n), static_cast<char32_t>(KeyCharacter::F1 + n - 1), FunctionFlag};
+}
+
+KeyStroke strokeOf(const NamedKey& key, Int extraFlags) {
+  return {key.KeyNumber, utf8Of(key.Character), key.Flags | extraFlags};
+}
+
+// The modifier parameter of xterm's sequences as modifier flags.
+Int modifierFlags(int parameter) {
+  if (parameter < 2) return 0;
+  const int bits = parameter - 1;
+  Int flags = 0;
+  if (bits & 1) flags |= ShiftFlag;
+  if (bits & 2) flags |= OptionFlag;
+  if (bits & 4) flags |= ControlFlag;
+  if (bits & 8) flags |= CommandFlag;
+  return flags;
+}
+
+// The key of a sequence's final letter, in the CSI and the SS3 form alike.
+std::optional<NamedKey> letterKey(char letter) {
+  switch (letter) {
+    case 'A':
+      return UpKey;
+    case 'B':
+      return DownKey;
+    case 'C':
+      return RightKey;
+    case 'D':
+      return LeftKey;
+    case 'H':
+      return HomeKey;
+    case 'F':
+      return EndKey;
+    case 'E':
+      return ClearKey;
+    case 'P':
+    case 'Q':
+    case 'R':
+    case 'S':
+      return functionKey(letter - 'P' + 1);
+    default:
+      return std::nullopt;
+  }
+}
+
+// The key of a VT220 "~" sequence's first number.
+std::optional<NamedKey> tildeKey(int code) {
+  switch (code) {
+    case 1:
+    case 7:
+      return HomeKey;
+    case 2:
+      return InsertKey;
+    case 3:
+      return DeleteKey;
+    case 4:
+    case 8:
+      return EndKey;
+    case 5:
+      return PageUpKey;
+    case 6:
+      return PageDownKey;
+    case 23:
+      return functionKey(11);
+    case 24:
+      return functionKey(12);
+    default:
+      break;
+  }
+  if (code >= 11 && code <= 15) return functionKey(code - 10);
+  if (code >= 17 && code <= 21) return functionKey(code - 11);
+  return std::nullopt;
+}
+
+// The keypad in application mode: SS3 with a letter per key.
+std::optional<KeyStroke> keypadKey(char letter, Int extraFlags) {
+  constexpr Int Digits[10] = {Key::Keypad0, Key::Keypad1, Key::Keypad2, Key::Keypad3, Key::Keypad4,
+                              Key::Keypad5, Key::Keypad6, Key::Keypad7, Key::Keypad8, Key::Keypad9};
+  const Int flags = NumericPadFlag | extraFlags;
+  if (letter >= 'p' && letter <= 'y') {
+    return KeyStroke{Digits[letter - 'p'], std::string(1, static_cast<char>('0' + letter - 'p')),
+                     flags};
+  }
+  switch (letter) {
+    case 'n':
+      return KeyStroke{Key::KeypadDecimal, ".", flags};
+    case 'M':
+      return KeyStroke{Key::KeypadEnter, "\x03", flags};
+    case 'k':
+      return KeyStroke{Key::KeypadPlus, "+", flags};
+    case 'm':
+      return KeyStroke{Key::KeypadMinus, "-", flags};
+    case 'j':
+      return KeyStroke{Key::KeypadMultiply, "*", flags};
+    case 'o':
+      return KeyStroke{Key::KeypadDivide, "/", flags};
+    case 'X':
+      return KeyStroke{Key::KeypadEquals, "=", flags};
+    default:
+      return std::nullopt;
+  }
+}
+
+// The numbers of a sequence's parameter bytes; sub-parameters after ":" are ignored.
+std::vector<int> parametersOf(std::string_view text) {
+  std::vector<int> numbers(1, 0);
+  bool inSubParameter = false;
+  for (const char byte : text) {
+    if (byte == ';') {
+      numbers.push_back(0);
+      inSubParameter = false;
+    } else if (byte == ':') {
+      inSubParameter = true;
+    } else if (byte >= '0' && byte <= '9' && !inSubParameter) {
+      numbers.back() = std::min(numbers.back() * 10 + (byte - '0'), LargestParameter);
+    }
+  }
+  return numbers;
+}
+
+int parameter(const std::vector<int>& numbers, std::size_t index, int missing) {
+  return index < numbers.size() && numbers[index] != 0 ? numbers[index] : missing;
+}
+
+// Mouse buttons and modifiers as xterm codes them: buttons 0..2 in the low bits, 3 for a
+// release without a button, Shift 4, Meta 8, Control 16, motion 32, the wheel 64.
+std::optional<MouseReport> mouseReport(int code, int column, int line, bool pressed) {
+  if ((code & (32 | 64 | 128)) != 0 || (code & 3) == 3) return std::nullopt;
+  MouseReport report;
+  report.Column = column;
+  report.Line = line;
+  report.Button = code & 3;
+  report.Pressed = pressed;
+  if (code & 4) report.Flags |= ShiftFlag;
+  if (code & 8) report.Flags |= OptionFlag;
+  if (code & 16) report.Flags |= ControlFlag;
+  return report;
+}
+
+bool isParameterByte(char byte) {
+  return byte >= 0x30 && byte <= 0x3F;
+}
+
+bool isIntermediateByte(char byte) {
+  return byte >= 0x20 && byte <= 0x2F;
+}
+
+bool isFinalByte(char byte) {
+  return byte >= 0x40 && byte <= 0x7E;
+}
+
+}  // namespace
+
+void InputParser::feed(std::string_view bytes, std::vector<TerminalInput>& inputs) {
+  pending_.append(bytes);
+  for (;;) {
+    if (pasting_) {
+      takePaste(inputs);
+      if (pasting_) return;
+      continue;
+    }
+    if (pending_.empty()) return;
+    Step step = readOne(pending_);
+    if (step.Consumed == 0) return;
+    pending_.erase(0, step.Consumed);
+    if (step.Input) inputs.push_back(std::move(*step.Input));
+  }
+}
+
+std::optional<std::chrono::milliseconds> InputParser::patience() const {
+  if (pasting_) return PasteTimeout;
+  if (!pending_.empty()) return EscapeTimeout;
+  return std::nullopt;
+}
+
+void InputParser::timeOut(std::vector<TerminalInput>& inputs) {
+  if (pasting_) {
+    keepPasted(pending_);
+    pasting_ = false;
+    inputs.push_back(PastedText{std::move(pasted_)});
+    pasted_.clear();
+  } else if (pending_.size() == 1 && pending_[0] == Escape) {
+    inputs.push_back(*keyStrokeOfCharacter(0x1B));
+  } else if (pending_.size() == 2 && pending_[0] == Escape) {
+    if (Step alt = readCharacter(std::string_view(pending_).substr(1), OptionFlag); alt.Input) {
+      inputs.push_back(std::move(*alt.Input));
+    }
+  }
+  pending_.clear();
+}
+
+InputParser::Step InputParser::readOne(std::string_view bytes) {
+  if (bytes[0] == Escape) return readEscape(bytes);
+  return readCharacter(bytes, 0);
+}
+
+// Escape starts a control sequence ("["), a single shift ("O"), or gives the next character
+// with Alt; two Escapes are an Escape key and the start of whatever follows.
+InputParser::Step InputParser::readEscape(std::string_view bytes) {
+  if (bytes.size() < 2) return {};
+  switch (bytes[1]) {
+    case '[':
+      return readControlSequence(bytes);
+    case 'O':
+      return readSingleShift(bytes);
+    case Escape:
+      return {1, *keyStrokeOfCharacter(0x1B)};
+    default:
+      break;
+  }
+  Step alt = readCharacter(bytes.substr(1), OptionFlag);
+  if (alt.Consumed > 0) ++alt.Consumed;
+  return alt;
+}
+
+InputParser::Step InputParser::readControlSequence(std::string_view bytes) {
+  // The Linux console's F1..F5: Escape [ [ A..E.
+  if (bytes.size() >= 3 && bytes[2] == '[') {
+    if (bytes.size() < 4) return {};
+    if (bytes[3] >= 'A' && bytes[3] <= 'E')
+      return {4, strokeOf(functionKey(bytes[3] - 'A' + 1), 0)};
+    return {4, std::nullopt};
+  }
+  // A mouse report in xterm's first form: Escape [ M and three bytes of 32 + value.
+  if (bytes.size() >= 3 && bytes[2] == 'M') {
+    if (bytes.size() < 6) return {};
+    const int code = static_cast<unsigned char>(bytes[3]) - 32;
+    const int column = static_cast<unsigned char>(bytes[4]) - 32;
+    const int line = static_cast<unsigned char>(bytes[5]) - 32;
+    const bool release = (code & 3) == 3;
+    std::optional<MouseReport> report = release ? mouseReport(code & ~3, column, line, false)
+                                                : mouseReport(code, column, line, true);
+    if (release && report) report->Button = 0;
+    return {6, report ? std::optional<TerminalInput>(*report) : std::nullopt};
+  }
+  std::size_t end = 2;
+  while (end < bytes.size() && isParameterByte(bytes[end])) ++end;
+  const std::size_t parametersEnd = end;
+  while (end < bytes.size() && isIntermediateByte(bytes[end])) ++end;
+  if (end >= bytes.size()) {
+    if (end > LongestSequence) return {end, std::nullopt};
+    return {};
+  }
+  if (!isFinalByte(bytes[end])) return {end, std::nullopt};  // broken off by another byte
+  const char final = bytes[end];
+  const Step done{end + 1, std::nullopt};
+  std::string_view text = bytes.substr(2, parametersEnd - 2);
+  const char marker = !text.empty() && text[0] >= '<' && text[0] <= '?' ? text[0] : 0;
+  if (marker != 0) text.remove_prefix(1);
+  const std::vector<int> numbers = parametersOf(text);
+  if (marker == '<' && (final == 'M' || final == 'm')) {
+    const std::optional<MouseReport> report =
+        mouseReport(numbers[0], parameter(numbers, 1, 1), parameter(numbers, 2, 1), final == 'M');
+    return {done.Consumed, report ? std::optional<TerminalInput>(*report) : std::nullopt};
+  }
+  if (marker != 0 || parametersEnd != end) return done;  // replies and other private forms
+  const Int flags = modifierFlags(parameter(numbers, 1, 1));
+  if (final == '~') {
+    const int code = parameter(numbers, 0, 0);
+    if (code == 200) {
+      pasting_ = true;
+      pasted_.clear();
+      return done;
+    }
+    if (const std::optional<NamedKey> key = tildeKey(code)) {
+      return {done.Consumed, strokeOf(*key, flags)};
+    }
+    return done;
+  }
+  if (final == 'Z') return {done.Consumed, KeyStroke{Key::Tab, "\x19", ShiftFlag | flags}};
+  if (const std::optional<NamedKey> key = letterKey(final)) {
+    return {done.Consumed, strokeOf(*key, flags)};
+  }
+  return done;
+}
+
+// Escape O, an optional modifier digit (as some terminals send it) and a letter.
+InputParser::Step InputParser::readSingleShift(std::string_view bytes) {
+  std::size_t end = 2;
+  int modifier = 0;
+  while (end < bytes.size() && bytes[end] >= '0' && bytes[end] <= '9' && end < 4) {
+    modifier = modifier * 10 + (bytes[end] - '0');
+    ++end;
+  }
+  if (end >= bytes.size()) return {};
+  const char letter = bytes[end];
+  const Int flags = modifierFlags(modifier);
+  if (const std::optional<KeyStroke> keypad = keypadKey(letter, flags)) {
+    return {end + 1, *keypad};
+  }
+  if (const std::optional<NamedKey> key = letterKey(letter)) {
+    return {end + 1, strokeOf(*key, flags)};
+  }
+  return {end + 1, std::nullopt};
+}
+
+// One character, a control key or printable, typed as a US keyboard types it; a character no
+// key types comes with its text alone, as a dead or foreign key would.
+InputParser::Step InputParser::readCharacter(std::string_view bytes, Int extraFlags) {
+  bool complete = true;
+  const std::optional<DecodedCharacter> decoded = decodeUtf8(bytes, complete);
+  if (!decoded) return {complete ? std::size_t{1} : std::size_t{0}, std::nullopt};
+  KeyStroke stroke = keyStrokeOfCharacter(decoded->Character)
+                         .value_or(KeyStroke{Key::Unknown, utf8Of(decoded->Character), 0});
+  stroke.Flags |= extraFlags;
+  return {decoded->Length, std::move(stroke)};
+}
+
+// The paste's bytes up to its end mark; while the mark has not come, all but the bytes that
+// may be its beginning.
+void InputParser::takePaste(std::vector<TerminalInput>& inputs) {
+  const std::size_t end = pending_.find(PasteEnd);
+  if (end == std::string::npos) {
+    const std::size_t safe =
+        pending_.size() > PasteEnd.size() ? pending_.size() - (PasteEnd.size() - 1) : 0;
+    keepPasted(std::string_view(pending_).substr(0, safe));
+    pending_.erase(0, safe);
+    return;
+  }
+  keepPasted(std::string_view(pending_).substr(0, end));
+  pending_.erase(0, end + PasteEnd.size());
+  pasting_ = false;
+  inputs.push_back(PastedText{std::move(pasted_)});
+  pasted_.clear();
+}
+
+void InputParser::keepPasted(std::string_view bytes) {
+  const std::size_t room = PasteLimit - std::min(PasteLimit, pasted_.size());
+  pasted_.append(bytes.substr(0, std::min(room, bytes.size())));
+}
+
+}  // namespace rvtools::terminal

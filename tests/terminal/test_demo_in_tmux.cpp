@@ -1,0 +1,175 @@
+// The drop demo in a real terminal emulator, tmux, at 80 x 26: the prompt, a smaller terminal,
+// a click, the Ctrl+] menu (copy text into the terminal's clipboard, save the picture), the
+// delay typed as keys and pasted, the full tub with the closing text in its colours; the
+// terminal given back after the program's end, the menu's Quit, a hang-up and a crash; and a
+// program that ends with its pane.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <thread>
+
+#include "tmux_session.hpp"
+
+namespace rvtools::terminal::test {
+namespace {
+
+const std::string Prompt = "Verzögerung in hundertstel ms: 5000";
+
+// The pane runs the demo, then tells how it ended and keeps the terminal's modes and what is
+// typed or pasted afterwards in files of its folder. Without a display the demo chooses the
+// terminal itself.
+std::string demoCommand(const std::string& options = "--terminal") {
+  return std::string("ulimit -c 0; env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ") +
+         RVTOOLS_KESSVIND + " " + options + " --log log; echo \"exit $?\"; stty -a > modes; " +
+         "cat > typed";
+}
+
+std::string fileText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+bool waitForFileText(const std::string& path, const std::string& text) {
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    if (fileText(path).find(text) != std::string::npos) return true;
+    std::this_thread::sleep_for(50ms);
+  }
+  return false;
+}
+
+// The colour (SGR "38" foreground, "48" background) in effect where `text` starts on a screen
+// captured with colours, as "r;g;b"; tmux writes a colour only where it changes.
+std::string colourAt(const std::string& screen, const std::string& text, const char* layer) {
+  const std::size_t position = screen.find(text);
+  const std::string introducer = std::string("\x1B[") + layer + ";2;";
+  const std::size_t start = screen.rfind(introducer, position);
+  if (position == std::string::npos || start == std::string::npos) return {};
+  const std::size_t values = start + introducer.size();
+  return screen.substr(values, screen.find('m', values) - values);
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + '\n';
+  return text;
+}
+
+bool hasWord(const std::string& text, const std::string& word) {
+  std::istringstream words(text);
+  return std::find(std::istream_iterator<std::string>(words), std::istream_iterator<std::string>(),
+                   word) != std::istream_iterator<std::string>();
+}
+
+bool screenContains(const TmuxSession& session, const std::string& text) {
+  return session.waitForScreen([&](const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) {
+      if (line.find(text) != std::string::npos) return true;
+    }
+    return false;
+  });
+}
+
+// The pane's shell has the terminal as it was before the demo: main screen, cursor shown, no
+// mouse or keypad modes, wrapping on, line editing and echo on, and no paste brackets (text
+// pasted now reaches "cat" as it is).
+void expectTerminalGivenBack(const TmuxSession& session, const std::string& exitLine) {
+  ASSERT_TRUE(screenContains(session, exitLine));
+  EXPECT_EQ(session.paneFormat("#{alternate_on} #{cursor_flag} #{mouse_any_flag} "
+                               "#{mouse_sgr_flag} #{keypad_flag} #{wrap_flag}"),
+            "0 1 0 0 0 1");
+  ASSERT_TRUE(waitForFileText(session.folder() + "/modes", "icanon"));
+  const std::string modes = fileText(session.folder() + "/modes");
+  for (const char* mode : {"icanon", "echo", "isig", "icrnl", "opost"}) {
+    EXPECT_TRUE(hasWord(modes, mode)) << mode;
+  }
+  session.tmux("set-buffer pasted \\; paste-buffer -p");
+  session.sendKeys("Enter");
+  ASSERT_TRUE(waitForFileText(session.folder() + "/typed", "pasted"));
+  EXPECT_EQ(fileText(session.folder() + "/typed"), "pasted\n");
+}
+
+TEST(DemoInTmux, RunsToTheFullTubAndGivesTheTerminalBack) {
+  TmuxSession session(demoCommand(), 80, 26);
+  ASSERT_TRUE(session.waitForLine(3, Prompt));
+  EXPECT_EQ(colourAt(joined(session.screen(true)), Prompt, "38"), "0;255;0");
+  EXPECT_TRUE(session.screen()[25].ends_with("Ctrl+] menu"));
+
+  // A smaller terminal shows what fits and says so; the whole window comes back with the size.
+  session.tmux("resize-window -x 60 -y 20");
+  EXPECT_TRUE(session.waitForLine(19, "Terminal 60 x 20, window 80 x 25: showing what fits."));
+  session.tmux("resize-window -x 80 -y 26");
+  EXPECT_TRUE(session.waitForLine(25, "Kessvind"));
+
+  // A click on column 5, line 3 is one at the top left pixel of that cell.
+  session.tmux("send-keys -l '\x1B[<0;5;3M\x1B[<0;5;3m'");
+  EXPECT_TRUE(waitForFileText(session.folder() + "/log",
+                              "t_MouseEventHandler: Graphic #0 window, X = 64, Y = 64\n"));
+
+  session.sendKeys("C-] c");
+  ASSERT_TRUE(session.waitForLine(25, "Copied the text of the screen."));
+  EXPECT_NE(session.tmux("show-buffer").find(Prompt), std::string::npos);
+  session.sendKeys("C-] s");
+  ASSERT_TRUE(session.waitForLine(25, "Saved the picture as Kessvind.png."));
+  EXPECT_TRUE(fileText(session.folder() + "/Kessvind.png").starts_with("\x89PNG\r\n\x1A\n"));
+
+  session.sendKeys("BSpace BSpace BSpace BSpace 0 Enter");
+  ASSERT_TRUE(session.waitForLine(24, "(Programm Ende)", 120s));
+  ASSERT_TRUE(session.waitForLine(25, "The program has ended: press any key to leave."));
+  EXPECT_NE(session.screen()[3].find("Bits in der Zolbe."), std::string::npos);
+  // The closing text in red on black over the tub's floor, whose both halves are green.
+  const std::string coloured = joined(session.screen(true));
+  EXPECT_EQ(colourAt(coloured, "(Programm Ende)", "38"), "255;0;0");
+  EXPECT_EQ(colourAt(coloured, "(Programm Ende)", "48"), "0;0;0");
+  EXPECT_NE(coloured.find("(Programm Ende)\x1B[38;2;0;128;0m\x1B[48;2;0;128;0m▀▀"),
+            std::string::npos);
+
+  session.sendKeys("x");
+  expectTerminalGivenBack(session, "exit 0");
+  EXPECT_TRUE(fileText(session.folder() + "/log").ends_with("applicationWillTerminate: Called.\n"));
+}
+
+// A paste at the prompt is typed by the demo's paste handler; then the demo is left by the
+// menu's Quit, a hang-up (as when an SSH connection drops) or a crash.
+TEST(DemoInTmux, QuitHangUpOrCrashGivesTheTerminalBack) {
+  struct Ending {
+    int Signal;
+    std::string ExitLine;
+  };
+  for (const Ending& ending : {Ending{0, "exit 0"}, {SIGHUP, "exit 129"}, {SIGSEGV, "exit 139"}}) {
+    SCOPED_TRACE(ending.ExitLine);
+    TmuxSession session(demoCommand(), 80, 26);
+    ASSERT_TRUE(session.waitForLine(3, Prompt));
+    session.sendKeys("BSpace");
+    session.tmux("set-buffer 77 \\; paste-buffer -p");
+    EXPECT_TRUE(session.waitForLine(3, "Verzögerung in hundertstel ms: 50077"));
+    const int program = session.programProcess();
+    ASSERT_GT(program, 0);
+    if (ending.Signal == 0) {
+      session.sendKeys("C-] q");
+    } else {
+      kill(program, ending.Signal);
+    }
+    expectTerminalGivenBack(session, ending.ExitLine);
+  }
+}
+
+TEST(DemoInTmux, TheProgramEndsWithItsPane) {
+  TmuxSession session(demoCommand(""), 80, 26);
+  ASSERT_TRUE(session.waitForLine(3, Prompt));
+  const int program = session.programProcess();
+  ASSERT_GT(program, 0);
+  session.tmux("kill-pane");
+  bool ended = false;
+  for (int attempt = 0; attempt < 100 && !ended; ++attempt) {
+    std::this_thread::sleep_for(50ms);
+    ended = processEnded(program);
+  }
+  EXPECT_TRUE(ended);
+}
+
+}  // namespace
+}  // namespace rvtools::terminal::test

@@ -1,0 +1,236 @@
+// The terminal's bytes as key strokes, clicks and pastes: every key sequence of xterm and its
+// relatives, whole and cut into single bytes, with every modifier combination where terminals
+// send one; the lone Escape after its timeout; bracketed paste; SGR and X10 mouse reports; and
+// bytes that mean nothing.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "rvtools/runtime.hpp"
+#include "terminal/input_parser.hpp"
+#include "terminal/utf8.hpp"
+
+namespace rvtools::terminal {
+namespace {
+
+std::string describe(const TerminalInput& input) {
+  if (const auto* key = std::get_if<KeyStroke>(&input)) {
+    std::string text = "key " + std::to_string(key->KeyNumber);
+    for (const char32_t character : charactersOf(key->Characters)) {
+      char code[16];
+      std::snprintf(code, sizeof code, " U+%04X", static_cast<unsigned>(character));
+      text += code;
+    }
+    return text + " flags " + std::to_string(key->Flags >> 16);
+  }
+  if (const auto* mouse = std::get_if<MouseReport>(&input)) {
+    return std::string(mouse->Pressed ? "press " : "release ") + std::to_string(mouse->Button) +
+           " at " + std::to_string(mouse->Column) + "," + std::to_string(mouse->Line) + " flags " +
+           std::to_string(mouse->Flags >> 16);
+  }
+  return "paste " + std::get<PastedText>(input).Text;
+}
+
+std::vector<std::string> describeAll(const std::vector<TerminalInput>& inputs) {
+  std::vector<std::string> texts;
+  for (const TerminalInput& input : inputs) texts.push_back(describe(input));
+  return texts;
+}
+
+std::vector<std::string> parsed(std::string_view bytes) {
+  InputParser parser;
+  std::vector<TerminalInput> inputs;
+  parser.feed(bytes, inputs);
+  return describeAll(inputs);
+}
+
+// The same bytes, one read per byte, as a slow connection may deliver them.
+std::vector<std::string> parsedByteByByte(std::string_view bytes) {
+  InputParser parser;
+  std::vector<TerminalInput> inputs;
+  for (const char byte : bytes) parser.feed(std::string_view(&byte, 1), inputs);
+  return describeAll(inputs);
+}
+
+std::string key(Int number, char32_t character, Int flags) {
+  return describe(KeyStroke{number, utf8Of(character), flags});
+}
+
+std::string key(Int number, std::string_view characters, Int flags) {
+  return describe(KeyStroke{number, std::string(characters), flags});
+}
+
+struct Sequence {
+  std::string Bytes;
+  std::string Expected;
+  // The same key with xterm's modifier parameter: the sequence with "%d" for it, or empty.
+  std::string Modified;
+};
+
+constexpr Int Arrow = FunctionFlag | NumericPadFlag;
+
+std::vector<Sequence> sequenceTable() {
+  std::vector<Sequence> table = {
+      {"\x1B[A", key(Key::Up, KeyCharacter::Up, Arrow), "\x1B[1;%dA"},
+      {"\x1B[B", key(Key::Down, KeyCharacter::Down, Arrow), "\x1B[1;%dB"},
+      {"\x1B[C", key(Key::Right, KeyCharacter::Right, Arrow), "\x1B[1;%dC"},
+      {"\x1B[D", key(Key::Left, KeyCharacter::Left, Arrow), "\x1B[1;%dD"},
+      {"\x1BOA", key(Key::Up, KeyCharacter::Up, Arrow), ""},
+      {"\x1BOB", key(Key::Down, KeyCharacter::Down, Arrow), ""},
+      {"\x1BOC", key(Key::Right, KeyCharacter::Right, Arrow), ""},
+      {"\x1BOD", key(Key::Left, KeyCharacter::Left, Arrow), ""},
+      {"\x1B[H", key(Key::Home, KeyCharacter::Home, FunctionFlag), "\x1B[1;%dH"},
+      {"\x1BOH", key(Key::Home, KeyCharacter::Home, FunctionFlag), ""},
+      {"\x1B[1~", key(Key::Home, KeyCharacter::Home, FunctionFlag), "\x1B[1;%d~"},
+      {"\x1B[7~", key(Key::Home, KeyCharacter::Home, FunctionFlag), "\x1B[7;%d~"},
+      {"\x1B[F", key(Key::End, KeyCharacter::End, FunctionFlag), "\x1B[1;%dF"},
+      {"\x1BOF", key(Key::End, KeyCharacter::End, FunctionFlag), ""},
+      {"\x1B[4~", key(Key::End, KeyCharacter::End, FunctionFlag), "\x1B[4;%d~"},
+      {"\x1B[8~", key(Key::End, KeyCharacter::End, FunctionFlag), "\x1B[8;%d~"},
+      {"\x1B[2~", key(Key::Insert, KeyCharacter::Insert, FunctionFlag), "\x1B[2;%d~"},
+      {"\x1B[3~", key(Key::ForwardDelete, KeyCharacter::ForwardDelete, FunctionFlag), "\x1B[3;%d~"},
+      {"\x1B[5~", key(Key::PageUp, KeyCharacter::PageUp, FunctionFlag), "\x1B[5;%d~"},
+      {"\x1B[6~", key(Key::PageDown, KeyCharacter::PageDown, FunctionFlag), "\x1B[6;%d~"},
+      {"\x1B[E", key(Key::KeypadClear, KeyCharacter::Clear, Arrow), "\x1B[1;%dE"},
+      {"\x1BOE", key(Key::KeypadClear, KeyCharacter::Clear, Arrow), ""},
+      {"\x1B[Z", key(Key::Tab, "\x19", ShiftFlag), ""},
+  };
+  const char* const TildeCodes[12] = {"11", "12", "13", "14", "15", "17",
+                                      "18", "19", "20", "21", "23", "24"};
+  for (int n = 1; n <= 12; ++n) {
+    const std::string expected =
+        key(functionKeyNumber(n), static_cast<char32_t>(KeyCharacter::F1 + n - 1), FunctionFlag);
+    const std::string code = TildeCodes[n - 1];
+    table.push_back({"\x1B[" + code + "~", expected, "\x1B[" + code + ";%d~"});
+    if (n <= 4) {
+      const char letter = static_cast<char>('P' + n - 1);
+      table.push_back({std::string("\x1BO") + letter, expected, std::string("\x1B[1;%d") + letter});
+    }
+    if (n <= 5) table.push_back({std::string("\x1B[[") + char('A' + n - 1), expected, ""});
+  }
+  const Int Keypad[10] = {Key::Keypad0, Key::Keypad1, Key::Keypad2, Key::Keypad3, Key::Keypad4,
+                          Key::Keypad5, Key::Keypad6, Key::Keypad7, Key::Keypad8, Key::Keypad9};
+  for (int digit = 0; digit < 10; ++digit) {
+    table.push_back({std::string("\x1BO") + char('p' + digit),
+                     key(Keypad[digit], std::string(1, char('0' + digit)), NumericPadFlag), ""});
+  }
+  table.insert(table.end(), {
+                                {"\x1BOn", key(Key::KeypadDecimal, ".", NumericPadFlag), ""},
+                                {"\x1BOM", key(Key::KeypadEnter, "\x03", NumericPadFlag), ""},
+                                {"\x1BOk", key(Key::KeypadPlus, "+", NumericPadFlag), ""},
+                                {"\x1BOm", key(Key::KeypadMinus, "-", NumericPadFlag), ""},
+                                {"\x1BOj", key(Key::KeypadMultiply, "*", NumericPadFlag), ""},
+                                {"\x1BOo", key(Key::KeypadDivide, "/", NumericPadFlag), ""},
+                                {"\x1BOX", key(Key::KeypadEquals, "=", NumericPadFlag), ""},
+                            });
+  // Characters and control keys, as a US keyboard types them.
+  table.insert(table.end(), {
+                                {"a", key(Key::A, "a", 0), ""},
+                                {"A", key(Key::A, "A", ShiftFlag), ""},
+                                {"0", key(Key::Digit0, "0", 0), ""},
+                                {"\r", key(Key::Return, "\r", 0), ""},
+                                {"\t", key(Key::Tab, "\t", 0), ""},
+                                {"\x7F", key(Key::Backspace, "\x7F", 0), ""},
+                                {"\x13", key(Key::S, "\x13", ControlFlag), ""},
+                                {"\x1D", key(Key::RightBracket, "\x1D", ControlFlag), ""},
+                                {"\xC3\xA4", key(Key::Unknown, U'ä', 0), ""},
+                                {"\xE2\x82\xAC", key(Key::E, U'€', OptionFlag), ""},
+                                {"\xE4\xB8\xAD", key(Key::Unknown, U'中', 0), ""},
+                                {"\x1Bx", key(Key::X, "x", OptionFlag), ""},
+                                {"\x1B\x13", key(Key::S, "\x13", ControlFlag | OptionFlag), ""},
+                            });
+  return table;
+}
+
+// xterm's modifier parameter: 1 + Shift 1 + Alt 2 + Control 4 + Meta 8.
+Int flagsOfModifier(int parameter) {
+  const int bits = parameter - 1;
+  return (bits & 1 ? ShiftFlag : 0) | (bits & 2 ? OptionFlag : 0) | (bits & 4 ? ControlFlag : 0) |
+         (bits & 8 ? CommandFlag : 0);
+}
+
+TEST(InputParser, EveryKeyOfTheTableWholeSplitAndWithEveryModifier) {
+  for (const Sequence& sequence : sequenceTable()) {
+    SCOPED_TRACE(sequence.Bytes[0] == '\x1B' ? "ESC" + sequence.Bytes.substr(1) : sequence.Bytes);
+    EXPECT_EQ(parsed(sequence.Bytes), std::vector<std::string>{sequence.Expected});
+    EXPECT_EQ(parsedByteByByte(sequence.Bytes), std::vector<std::string>{sequence.Expected});
+    if (sequence.Modified.empty()) continue;
+    InputParser parser;
+    std::vector<TerminalInput> inputs;
+    parser.feed(sequence.Bytes, inputs);
+    const KeyStroke plain = std::get<KeyStroke>(inputs.at(0));
+    for (int modifier = 2; modifier <= 16; ++modifier) {
+      char bytes[32];
+      std::snprintf(bytes, sizeof bytes, sequence.Modified.c_str(), modifier);
+      const std::string expected = describe(
+          KeyStroke{plain.KeyNumber, plain.Characters, plain.Flags | flagsOfModifier(modifier)});
+      EXPECT_EQ(parsedByteByByte(bytes), std::vector<std::string>{expected}) << modifier;
+    }
+  }
+}
+
+TEST(InputParser, KeysInOneReadComeInOrder) {
+  EXPECT_EQ(
+      parsed("5\x7F\x1B[A\r"),
+      (std::vector<std::string>{key(Key::Digit5, "5", 0), key(Key::Backspace, "\x7F", 0),
+                                key(Key::Up, KeyCharacter::Up, Arrow), key(Key::Return, "\r", 0)}));
+}
+
+TEST(InputParser, LoneEscapeIsTheEscapeKeyOnceTheTimeoutPasses) {
+  InputParser parser;
+  std::vector<TerminalInput> inputs;
+  parser.feed("\x1B", inputs);
+  EXPECT_TRUE(inputs.empty());
+  EXPECT_EQ(parser.patience(), EscapeTimeout);
+  parser.timeOut(inputs);
+  EXPECT_EQ(describeAll(inputs), std::vector<std::string>{key(Key::Escape, "\x1B", 0)});
+  EXPECT_EQ(parser.patience(), std::nullopt);
+
+  // Escape and "[" typed apart are Alt with "[", not the start of a sequence.
+  inputs.clear();
+  parser.feed("\x1B[", inputs);
+  parser.timeOut(inputs);
+  EXPECT_EQ(describeAll(inputs), std::vector<std::string>{key(Key::LeftBracket, "[", OptionFlag)});
+  // Two Escapes are one Escape key and the start of what follows.
+  EXPECT_EQ(parsed("\x1B\x1B[B"),
+            (std::vector<std::string>{key(Key::Escape, "\x1B", 0),
+                                      key(Key::Down, KeyCharacter::Down, Arrow)}));
+}
+
+TEST(InputParser, BracketedPasteKeepsItsTextWholeAcrossReads) {
+  const std::string bytes = "\x1B[200~12\r\nw\xC3\xB6rter \x1B[A\x1B[201~x";
+  const std::vector<std::string> expected = {"paste 12\r\nw\xC3\xB6rter \x1B[A",
+                                             key(Key::X, "x", 0)};
+  EXPECT_EQ(parsed(bytes), expected);
+  EXPECT_EQ(parsedByteByByte(bytes), expected);
+
+  // A paste whose end never comes is taken as it is after a while.
+  InputParser parser;
+  std::vector<TerminalInput> inputs;
+  parser.feed("\x1B[200~abc\x1B[20", inputs);
+  EXPECT_EQ(parser.patience(), PasteTimeout);
+  parser.timeOut(inputs);
+  EXPECT_EQ(describeAll(inputs), std::vector<std::string>{"paste abc\x1B[20"});
+}
+
+TEST(InputParser, MouseReportsInTheSgrAndTheFirstForm) {
+  EXPECT_EQ(parsed("\x1B[<0;5;3M\x1B[<0;5;3m\x1B[<2;80;26M\x1B[<20;1;2M"),
+            (std::vector<std::string>{
+                "press 0 at 5,3 flags 0", "release 0 at 5,3 flags 0", "press 2 at 80,26 flags 0",
+                "press 0 at 1,2 flags " + std::to_string((ShiftFlag | ControlFlag) >> 16)}));
+  EXPECT_EQ(parsedByteByByte("\x1B[M !\"\x1B[M#!\""),
+            (std::vector<std::string>{"press 0 at 1,2 flags 0", "release 0 at 1,2 flags 0"}));
+  // The wheel and motion are no clicks.
+  EXPECT_TRUE(parsed("\x1B[<64;1;1M\x1B[<35;4;4M").empty());
+}
+
+TEST(InputParser, BytesThatMeanNothingAreDroppedAndWhatFollowsIsRead) {
+  EXPECT_EQ(parsed("\xFF\x1B[?1;2c\x1B[>0;95;0c\x1B[Ib"),
+            std::vector<std::string>{key(Key::B, "b", 0)});
+  EXPECT_EQ(
+      parsed("\xC3\x1B[Dz"),
+      (std::vector<std::string>{key(Key::Left, KeyCharacter::Left, Arrow), key(Key::Z, "z", 0)}));
+}
+
+}  // namespace
+}  // namespace rvtools::terminal

@@ -1,0 +1,98 @@
+// Programs run without a display: the keys, clicks and menu choices runHeadless gives them from
+// its command line, and the recording, picture and screen it leaves.
+#include <png.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "common.hpp"
+#include "headless/run_options.hpp"
+
+namespace rvtools::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<Int> keyNumbersOf(const std::string& text, std::string& error) {
+  std::vector<Int> numbers;
+  for (const KeyStroke& stroke : headless::keyStrokesOf(text, error)) {
+    numbers.push_back(stroke.KeyNumber);
+  }
+  return numbers;
+}
+
+TEST(HeadlessKeysTest, NamedKeysEscapesAndCharactersBecomeKeyStrokes) {
+  std::string error;
+  EXPECT_EQ(keyNumbersOf("a{Left}{F12}\\r\\e\\x41\\{é", error),
+            (std::vector<Int>{Key::A, Key::Left, Key::F12, Key::Return, Key::Escape, Key::A,
+                              Key::LeftBracket, Key::Unknown}));
+  EXPECT_EQ(error, "");
+  const std::vector<KeyStroke> f1 = headless::keyStrokesOf("{F1}", error);
+  EXPECT_EQ(f1[0].Characters, "\xEF\x9C\x84");  // U+F704
+  EXPECT_EQ(f1[0].Flags, FunctionFlag);
+  for (const std::string bad : {"{Nothing}", "{Left", "\\q", "\\x4", "😀"}) {
+    error.clear();
+    headless::keyStrokesOf(bad, error);
+    EXPECT_NE(error, "") << bad;
+  }
+}
+
+class HeadlessRunTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    folder_ = fs::path(::testing::TempDir()) / ("rvtools-headless-" + test);
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+  // Runs the probe with `arguments`; its exit status.
+  int runProbe(const std::string& arguments) const {
+    const std::string command = std::string(RVTOOLS_HEADLESS_PROBE) + " " + arguments + " > " +
+                                (folder_ / "log.txt").string() + " 2>&1";
+    return std::system(command.c_str());
+  }
+  std::string file(const std::string& name) const {
+    std::ifstream in(folder_ / name, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+  }
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+  fs::path folder_;
+};
+
+// Cell (0, 0) is the click's pixel; the window's border (4) is not part of the drawing area.
+TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) {
+  ASSERT_EQ(runProbe("--keys '{Backspace}cd{Left}X\\r' --keys '{F1}' --click 17,40 "
+                     "--menu 'Program Action' --screen " +
+                     path("screen.txt") + " --picture " + path("picture.png") + " --record " +
+                     path("film.gif")),
+            0);
+  const std::string screen = file("screen.txt");
+  EXPECT_EQ(screen.substr(0, screen.find("\n\n") + 1),
+            ">acXd\nacXd 129\n17,40 Prog\n(Programm Ende)\n");
+  EXPECT_NE(screen.find("\n\nC0 C0 C0"), std::string::npos);
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  ASSERT_TRUE(png_image_begin_read_from_file(&image, path("picture.png").c_str()));
+  EXPECT_EQ(image.width, 16u * 16);
+  EXPECT_EQ(image.height, 4u * 32);
+  png_image_free(&image);
+  const std::string film = file("film.gif");
+  EXPECT_TRUE(film.starts_with("GIF89a") && film.ends_with(";")) << film.size() << " bytes";
+  EXPECT_NE(file("log.txt").find("applicationWillTerminate: Called."), std::string::npos);
+}
+
+TEST_F(HeadlessRunTest, ACommandLineItCannotFollowStopsBeforeTheProgram) {
+  EXPECT_NE(runProbe("--keys '{Nothing}'"), 0);
+  EXPECT_EQ(file("log.txt"), "runHeadless: no key named {Nothing}\n");
+  EXPECT_NE(runProbe("--click 3"), 0);
+  EXPECT_EQ(file("log.txt"), "runHeadless: --click takes x,y\n");
+}
+
+}  // namespace
+}  // namespace rvtools::testing
