@@ -146,7 +146,8 @@ void AppDelegate::connectMenuItems() {
       Qt::QueuedConnection);
   desktopActions_ = std::make_unique<DesktopActions>(
       *this, DesktopActions::Items{mainForm_->actionSavePicture, mainForm_->actionSaveText,
-                                   mainForm_->actionPrint, mainForm_->actionFullScreen});
+                                   mainForm_->actionPrint, mainForm_->actionStartRecording,
+                                   mainForm_->actionStopRecording, mainForm_->actionFullScreen});
   for (QMenu* menu : menus()) {
     connect(menu, &QMenu::aboutToShow, desktopActions_.get(), &DesktopActions::updateMenuItems);
     for (QAction* item : menu->actions()) {

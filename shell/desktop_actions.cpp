@@ -49,8 +49,8 @@ bool runtimeItemCanAct(Int tag) {
 }
 
 // The file name a window's title suggests: "Kessvind" gives "Kessvind.png".
-QString fileNameAfter(const QWidget& window, UInt8 number, const QString& suffix) {
-  QString name = window.windowTitle().trimmed();
+QString fileNameAfter(const QString& title, UInt8 number, const QString& suffix) {
+  QString name = title.trimmed();
   name.replace('/', '-');
   if (name.isEmpty()) name = QStringLiteral("Window %1").arg(number);
   return name + suffix;
@@ -73,18 +73,6 @@ std::optional<QString> writeFileSafely(const QString& path, const QByteArray& by
   return std::nullopt;
 }
 
-// Asks in a save dialog titled `title` where a file of window `number` goes, proposing the
-// window's title with `suffix` ("png") among the files of that kind; empty when cancelled.
-QString askWhereToSave(QWidget& window, UInt8 number, const QString& title, const QString& kind,
-                       const QString& suffix) {
-  return askForFile(&window, {true,
-                              title,
-                              {},
-                              fileNameAfter(window, number, '.' + suffix),
-                              kind + " (*." + suffix + ')',
-                              suffix});
-}
-
 void reportFailure(QWidget* window, const QString& title, const QString& text) {
   t_Log(title.toStdString() + ": " + text.toStdString());
   showWarning(window, title, text);
@@ -97,11 +85,44 @@ DesktopActions::DesktopActions(AppDelegate& delegate, const Items& items)
   connect(items_.SavePicture, &QAction::triggered, this, &DesktopActions::savePicture);
   connect(items_.SaveText, &QAction::triggered, this, &DesktopActions::saveText);
   connect(items_.Print, &QAction::triggered, this, &DesktopActions::print);
+  connect(items_.StartRecording, &QAction::triggered, this, &DesktopActions::startRecording);
+  connect(items_.StopRecording, &QAction::triggered, this, &DesktopActions::stopRecording);
   connect(items_.FullScreen, &QAction::triggered, this, &DesktopActions::toggleFullScreen);
+  // The observer may be called on the program's thread; the sign is set on the GUI thread.
+  setRecordingObserver([this](UInt8 window, bool recording) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, window, recording] {
+          delegate_.graphicWindow(window)->setRecordingSign(recording);
+          updateMenuItems();
+        },
+        Qt::QueuedConnection);
+  });
+}
+
+DesktopActions::~DesktopActions() {
+  setRecordingObserver({});
 }
 
 UInt8 DesktopActions::frontWindow() const {
   return delegate_.windowNumber(QApplication::activeWindow());
+}
+
+QString DesktopActions::titleOf(UInt8 window) const {
+  if (const GraphicWindow* graphic = delegate_.graphicWindow(window)) return graphic->title();
+  return delegate_.window(window)->windowTitle();
+}
+
+// Asks in a save dialog titled `title` where a file of window `window` goes, proposing the
+// window's title with `suffix` ("png") among the files of that kind; empty when cancelled.
+QString DesktopActions::askWhereToSave(UInt8 window, const QString& title, const QString& kind,
+                                       const QString& suffix) const {
+  return askForFile(delegate_.window(window), {true,
+                                               title,
+                                               {},
+                                               fileNameAfter(titleOf(window), window, '.' + suffix),
+                                               kind + " (*." + suffix + ')',
+                                               suffix});
 }
 
 bool DesktopActions::canSaveText(UInt8 window) const {
@@ -122,6 +143,9 @@ void DesktopActions::updateMenuItems() {
   items_.SavePicture->setEnabled(graphic && Windows[front].Visible);
   items_.SaveText->setEnabled(canSaveText(front));
   items_.Print->setEnabled(front == VirtualPrinterWindowNumber);
+  const bool recording = graphic && t_IsRecording(front);
+  items_.StartRecording->setEnabled(graphic && Windows[front].Visible && !recording);
+  items_.StopRecording->setEnabled(recording);
   items_.FullScreen->setEnabled(graphic);
   items_.FullScreen->setChecked(graphic && delegate_.window(front)->isFullScreen());
 }
@@ -130,7 +154,7 @@ void DesktopActions::savePicture() {
   const UInt8 front = frontWindow();
   if (!graphicWindowReady(front)) return t_Beep();
   QWidget* window = delegate_.window(front);
-  const QString path = askWhereToSave(*window, front, QStringLiteral("Save Picture"),
+  const QString path = askWhereToSave(front, QStringLiteral("Save Picture"),
                                       QStringLiteral("PNG pictures"), QStringLiteral("png"));
   if (path.isEmpty() || t_SavePicture(front, path.toStdString())) return;
   showWarning(
@@ -142,7 +166,7 @@ void DesktopActions::saveText() {
   const UInt8 front = frontWindow();
   if (!canSaveText(front)) return t_Beep();
   QWidget* window = delegate_.window(front);
-  const QString path = askWhereToSave(*window, front, QStringLiteral("Save Text"),
+  const QString path = askWhereToSave(front, QStringLiteral("Save Text"),
                                       QStringLiteral("Text files"), QStringLiteral("txt"));
   if (path.isEmpty()) return;
   QByteArray text;
@@ -163,7 +187,7 @@ void DesktopActions::print() {
   if (front != VirtualPrinterWindowNumber) return t_Beep();
   QWidget* window = delegate_.window(front);
   QPrinter printer(QPrinter::HighResolution);
-  printer.setDocName(window->windowTitle());
+  printer.setDocName(titleOf(front));
   QPrintDialog dialog(&printer, window);
   if (runDialog(dialog) != QDialog::Accepted) return;
   QTextDocument paper;
@@ -178,6 +202,24 @@ void DesktopActions::print() {
     reportFailure(window, QStringLiteral("Print"),
                   QStringLiteral("Could not print to „%1“.").arg(target));
   }
+}
+
+void DesktopActions::startRecording() {
+  const UInt8 front = frontWindow();
+  if (!graphicWindowReady(front) || t_IsRecording(front)) return t_Beep();
+  const QString path = askWhereToSave(front, QStringLiteral("Start Recording"),
+                                      QStringLiteral("GIF animations"), QStringLiteral("gif"));
+  if (path.isEmpty() || t_RecordStart(front, path.toStdString())) return;
+  showWarning(delegate_.window(front), QStringLiteral("Start Recording"),
+              QStringLiteral("Could not record into „%1“: %2.").arg(path, writeProblem(path)));
+}
+
+void DesktopActions::stopRecording() {
+  const UInt8 front = frontWindow();
+  if (front >= 8 || !t_IsRecording(front)) return t_Beep();
+  if (t_RecordStop(front)) return;
+  showWarning(delegate_.window(front), QStringLiteral("Stop Recording"),
+              QStringLiteral("Could not finish the recording: the System Console says why."));
 }
 
 void DesktopActions::toggleFullScreen() {

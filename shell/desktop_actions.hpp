@@ -1,5 +1,7 @@
 // Internal: the menu items that the desktop host carries out itself, File > Save Picture…,
-// Save Text… and Print… and View > Full Screen, and which items of the menus are enabled.
+// Save Text…, Print…, Start Recording… and Stop Recording and View > Full Screen, and which
+// items of the menus are enabled. A graphic window's title carries a sign while it is recorded,
+// whoever started the recording.
 //
 // Like Quit, these items do not go through the runtime's menu handler and queue no menu event.
 // An item that can do nothing for the running program at the moment is disabled: Open… and
@@ -26,11 +28,14 @@ class DesktopActions final : public QObject {
     QAction* SavePicture = nullptr;
     QAction* SaveText = nullptr;
     QAction* Print = nullptr;
+    QAction* StartRecording = nullptr;
+    QAction* StopRecording = nullptr;
     QAction* FullScreen = nullptr;
   };
 
   // Carries out `items`, which belong to the menus of `delegate`.
   DesktopActions(AppDelegate& delegate, const Items& items);
+  ~DesktopActions() override;
 
   // Enables or disables every item of the menus for the window in front and the program.
   void updateMenuItems();
@@ -42,11 +47,19 @@ class DesktopActions final : public QObject {
   void saveText();
   // The virtual printer's paper on a printer, or as a PDF file.
   void print();
+  // Records the graphic window in front as an animated GIF file named in a file dialog, until
+  // stopRecording.
+  void startRecording();
+  void stopRecording();
   // Shows the graphic window in front on the whole screen, or back in its window.
   void toggleFullScreen();
 
  private:
   UInt8 frontWindow() const;
+  // The title a window has from its program (without a recording's sign).
+  QString titleOf(UInt8 window) const;
+  QString askWhereToSave(UInt8 window, const QString& title, const QString& kind,
+                         const QString& suffix) const;
   bool canSaveText(UInt8 window) const;
 
   AppDelegate& delegate_;

@@ -143,6 +143,16 @@ void GraphicWindow::resizeContent(int width, int height) {
   resize(width, height + menuBarHeight());
 }
 
+void GraphicWindow::setTitle(const QString& title) {
+  title_ = title;
+  setWindowTitle(recording_ ? QStringLiteral("%1 ● Recording").arg(title_) : title_);
+}
+
+void GraphicWindow::setRecordingSign(bool recording) {
+  recording_ = recording;
+  setTitle(title_);
+}
+
 // A hidden menu bar's shortcuts do not work, so the window itself holds them meanwhile. Not
 // every window system gives the window its old place back, so it is put there again.
 void GraphicWindow::setFullScreen(bool fullScreen, const QList<QAction*>& shortcutItems) {

@@ -66,6 +66,10 @@ class GraphicWindow final : public QWidget {
   // Shows the window on the whole screen without its menu bar, the items with a shortcut of
   // its menus still at hand, or back in its window with the bar.
   void setFullScreen(bool fullScreen, const QList<QAction*>& shortcutItems);
+  // The title the program gave the window, shown with a sign while the window is recorded.
+  void setTitle(const QString& title);
+  QString title() const { return title_; }
+  void setRecordingSign(bool recording);
   // Places the view for the window's current size and its record's size and border.
   void placeView();
   // A button press in the view or, outside it, in the border.
@@ -85,6 +89,8 @@ class GraphicWindow final : public QWidget {
   QMenuBar* menuBar_ = nullptr;
   QList<QAction*> fullScreenShortcuts_;  // held by the window while its menu bar is hidden
   QRect geometryBeforeFullScreen_;
+  QString title_;
+  bool recording_ = false;
   QSize contentSizeAfterFullScreen_;  // asked for while on the whole screen
 };
 

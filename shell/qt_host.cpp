@@ -160,7 +160,13 @@ void QtHost::displayView(UInt8 window, bool deferred) {
 }
 
 void QtHost::setWindowTitle(UInt8 window, const std::string& title) {
-  onWindow(window, [&](QWidget& target) { target.setWindowTitle(QString::fromStdString(title)); });
+  onWindow(window, [&](QWidget& target) {
+    if (window < 8) {
+      static_cast<GraphicWindow&>(target).setTitle(QString::fromStdString(title));
+    } else {
+      target.setWindowTitle(QString::fromStdString(title));
+    }
+  });
 }
 
 void QtHost::setWindowTitleVisible(UInt8 window, bool visible) {

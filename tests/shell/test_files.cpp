@@ -1,18 +1,21 @@
 // The host's own File items on the offscreen platform, their dialogs answered by the test:
 // Save Picture… and Save Text… write what the window in front shows, Print… puts the virtual
-// printer's paper into a PDF file without any printer, and a folder that cannot be written gets
-// a clear message with nothing left behind.
+// printer's paper into a PDF file without any printer, Start Recording… and Stop Recording make
+// an animated GIF while the title carries a sign, and a folder that cannot be written gets a
+// clear message with nothing left behind.
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QTemporaryDir>
 #include <QTest>
+#include <thread>
 
 #include "rvtools/picture.hpp"
 #include "shell/dialogs.hpp"
@@ -114,7 +117,45 @@ TEST_F(FileTest, AFolderThatCannotBeWrittenGetsAClearMessageAndNothingLeftBehind
   choose("File", "Save Picture…");
   ASSERT_EQ(warnings_.size(), 2);
   EXPECT_TRUE(warnings_[1].startsWith("Could not save the picture as „" + folder + "/tub.png“: "));
+  answerWith(folder, "tub.gif");
+  choose("File", "Start Recording…");
+  ASSERT_EQ(warnings_.size(), 3);
+  EXPECT_TRUE(warnings_[2].startsWith("Could not record into „" + folder + "/tub.gif“: "));
+  EXPECT_FALSE(t_IsRecording(0));
   EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden), before);
+}
+
+TEST_F(FileTest, RecordingsFromTheMenuOrTheProgramShowASignInTheTitle) {
+  initTextWindow(0, 12, 3);
+  t_WindowTitle(0, "Tub");
+  bringToFront(0);
+  const QWidget& window = graphicWindow(0);
+  auto enabled = [](const QString& title) {
+    emit shellDelegate().menuTitled("File")->aboutToShow();
+    return menuItem("File", title)->isEnabled();
+  };
+  EXPECT_FALSE(enabled("Stop Recording"));
+  const QTemporaryDir folder;
+  const QString path = QDir(folder.path()).filePath("tub.gif");
+  answerWith(folder.path(), "tub.gif");
+  choose("File", "Start Recording…");
+  EXPECT_EQ(proposed_, "Tub.gif");
+  EXPECT_TRUE(t_IsRecording(0));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == "Tub ● Recording"; }));
+  EXPECT_FALSE(enabled("Start Recording…"));
+  t_Print(0, "Hi");
+  choose("File", "Stop Recording");
+  EXPECT_TRUE(contentsOf(path).startsWith("GIF89a"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == "Tub"; }));
+  EXPECT_TRUE(enabled("Start Recording…"));
+
+  std::thread program(
+      [&] { t_RecordStart(0, QDir(folder.path()).filePath("own.gif").toStdString()); });
+  program.join();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == "Tub ● Recording"; }));
+  EXPECT_TRUE(enabled("Stop Recording"));
+  EXPECT_TRUE(t_RecordStop(0));
+  EXPECT_TRUE(warnings_.isEmpty());
 }
 
 TEST_F(FileTest, PrintPutsThePrintersPaperIntoAPdfFileWithoutAnyPrinter) {
