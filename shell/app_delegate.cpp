@@ -1,7 +1,8 @@
 // The application delegate: builds the graphic windows and the auxiliary windows from their
 // forms, runs the launch sequence that starts the program thread, answers the window events
 // that matter to the runtime (close boxes, resizes, activation) and hands menu choices to the
-// runtime. File > Quit (Meta+Q, so that no control key is taken from the program) quits.
+// runtime. File > Quit (Meta+Q, so that no control key is taken from the program) quits. The
+// runtime's log goes to the system console as well.
 #include "shell/app_delegate.hpp"
 
 #include <QAction>
@@ -11,9 +12,12 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QScreen>
+#include <QWindow>
 
 #include "rvtools/host.hpp"
 #include "shell/menu_bar.hpp"
+#include "shell/window_placement.hpp"
 #include "ui_main_window.h"
 #include "ui_pasteboard_window.h"
 #include "ui_preferences_window.h"
@@ -52,13 +56,16 @@ AppDelegate::AppDelegate(std::function<void()> programEntry)
   buildGraphicWindows();
   buildAuxiliaryWindows();
   addMenuBars();
+  feedTextWindows();
   connectMenuItems();
   watchWindows();
   connect(qApp, &QGuiApplication::applicationStateChanged, this,
           [](Qt::ApplicationState state) { ApplicationActive = state == Qt::ApplicationActive; });
 }
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+  setLogMirror({});
+}
 
 void AppDelegate::buildGraphicWindows() {
   for (UInt8 n = 0; n < 8; ++n) graphicWindows_[n] = std::make_unique<GraphicWindow>(n);
@@ -122,18 +129,40 @@ void AppDelegate::addMenuBars() {
   }
 }
 
+void AppDelegate::feedTextWindows() {
+  systemConsole_ = std::make_unique<SystemConsoleFeed>(*SystemConsoleTextView);
+  setLogMirror(
+      [console = systemConsole_.get()](std::string_view text) { console->takeLogText(text); });
+  pasteboard_ = std::make_unique<PasteboardMirror>(*PasteboardTextView);
+}
+
+// The enabled states follow the program and the window in front; they are brought up to date
+// whenever a menu opens and whenever another window comes to the front, for the shortcuts.
 void AppDelegate::connectMenuItems() {
   // Quitting ends the event loop at once instead of asking every window to close first: the
   // graphic windows refuse to close, and their refusal would report close-box clicks.
   connect(
       mainForm_->actionQuit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); },
       Qt::QueuedConnection);
+  desktopActions_ = std::make_unique<DesktopActions>(
+      *this, DesktopActions::Items{mainForm_->actionSavePicture, mainForm_->actionSaveText,
+                                   mainForm_->actionPrint, mainForm_->actionStartRecording,
+                                   mainForm_->actionStopRecording, mainForm_->actionFullScreen});
   for (QMenu* menu : menus()) {
+    connect(menu, &QMenu::aboutToShow, desktopActions_.get(), &DesktopActions::updateMenuItems);
     for (QAction* item : menu->actions()) {
-      if (item->isSeparator() || item == mainForm_->actionQuit) continue;
+      const bool runtimeItem = !item->isSeparator() && item->property("tag").isValid();
+      if (!runtimeItem || item == mainForm_->actionQuit) continue;
       connect(item, &QAction::triggered, this, [this, item] { MenuHandler(item); });
     }
   }
+  connect(qApp, &QGuiApplication::focusWindowChanged, desktopActions_.get(),
+          &DesktopActions::updateMenuItems);
+  desktopActions_->updateMenuItems();
+}
+
+QAction* AppDelegate::quitItem() const {
+  return mainForm_->actionQuit;
 }
 
 // Quit also belongs to every window itself, so that its key works even when a program has
@@ -218,6 +247,34 @@ GraphicView* AppDelegate::view(UInt8 number) const {
   return number < 8 ? views()[number] : nullptr;
 }
 
+GraphicWindow* AppDelegate::graphicWindow(UInt8 number) const {
+  return number < 8 ? graphicWindows_[number].get() : nullptr;
+}
+
+GraphicWindow* AppDelegate::frontGraphicWindow() const {
+  if (GraphicWindow* active = graphicWindow(windowNumber(QApplication::activeWindow()))) {
+    return active;
+  }
+  for (const auto& window : graphicWindows_) {
+    if (window->isVisible()) return window.get();
+  }
+  return nullptr;
+}
+
+// Auxiliary windows count from the pasteboard (8), so that each has a place of its own.
+void AppDelegate::placeAuxiliaryWindow(QWidget& window, UInt8 number) {
+  const QScreen* screen = window.screen();
+  if (screen == nullptr) return;
+  QRect front;
+  int keepClear = 0;
+  if (const GraphicWindow* graphic = frontGraphicWindow()) {
+    front = graphic->frameGeometry();
+    keepClear = graphic->geometry().top() - front.top() + graphic->menuBarHeight();
+  }
+  window.move(auxiliaryWindowPlace(screen->availableGeometry(), window.frameGeometry().size(),
+                                   front, keepClear, number - PasteboardWindowNumber));
+}
+
 UInt8 AppDelegate::windowNumber(const QWidget* window) const {
   if (window == nullptr) return NoWindow;
   const std::pair<const QWidget*, UInt8> auxiliary[] = {
@@ -278,6 +335,12 @@ bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Close && !windowShouldClose(window)) {
     event->ignore();
     return true;
+  }
+  if (event->type() == QEvent::Show && !window->testAttribute(Qt::WA_Moved)) {
+    const UInt8 number = windowNumber(window);
+    if (number >= PasteboardWindowNumber && number <= MainWindowNumber) {
+      placeAuxiliaryWindow(*window, number);
+    }
   }
   if (event->type() == QEvent::Resize) {
     const UInt8 number = windowNumber(window);

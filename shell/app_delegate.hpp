@@ -1,8 +1,9 @@
 // Internal: the application delegate. It owns every window of the interface and holds the 21
 // outlets under their own names, runs the launch sequence, maps platform windows to window
-// numbers, lays out the auxiliary windows when they are resized, reports close boxes of the
-// graphic windows to the runtime, and passes menu choices on. The menus are those of the main
-// window's form; every other window shows them in a menu bar of its own.
+// numbers, lays out the auxiliary windows when they are resized and places them when they first
+// open, reports close boxes of the graphic windows to the runtime, and passes menu choices on.
+// The menus are those of the main window's form; every other window shows them in a menu bar of
+// its own. Items with a tag go to the runtime; the others (and Quit) are the host's own.
 #pragma once
 
 #include <QMainWindow>
@@ -13,7 +14,9 @@
 #include <memory>
 
 #include "rvtools/host.hpp"
+#include "shell/desktop_actions.hpp"
 #include "shell/graphic_window.hpp"
+#include "shell/text_windows.hpp"
 
 class QAbstractScrollArea;
 class QAction;
@@ -46,6 +49,8 @@ class AppDelegate final : public QObject {
   QWidget* window(UInt8 number) const;
   // The view of graphic window 0..7, or null.
   GraphicView* view(UInt8 number) const;
+  // Graphic window 0..7, or null.
+  GraphicWindow* graphicWindow(UInt8 number) const;
   // The number of a platform window; 255 when it belongs to no outlet.
   UInt8 windowNumber(const QWidget* window) const;
   // Lays out the auxiliary window that is the application's active window.
@@ -58,6 +63,13 @@ class AppDelegate final : public QObject {
   QPlainTextEdit* textView(UInt8 number) const;
   // A menu item was chosen: passes it to the runtime's menu handler.
   void MenuHandler(QAction* sender);
+  // File > Quit, which every window answers even when a program removed it from the menu.
+  QAction* quitItem() const;
+
+  // What the system console and the pasteboard window show, and the host's own menu items.
+  SystemConsoleFeed& systemConsole() { return *systemConsole_; }
+  PasteboardMirror& pasteboard() { return *pasteboard_; }
+  DesktopActions& desktopActions() { return *desktopActions_; }
 
   // The outlets: filled when the windows are built, never replaced.
   GraphicView* t_View00 = nullptr;
@@ -90,7 +102,12 @@ class AppDelegate final : public QObject {
   void buildAuxiliaryWindows();
   void watchWindows();
   void addMenuBars();
+  void feedTextWindows();
   void connectMenuItems();
+  // Places auxiliary window `number` when it opens for the first time and nobody placed it.
+  void placeAuxiliaryWindow(QWidget& window, UInt8 number);
+  // The graphic window in front, else the first one shown; null when none is shown.
+  GraphicWindow* frontGraphicWindow() const;
   // The close box of a window: a graphic window reports it and stays; others just hide.
   bool windowShouldClose(QWidget* window);
   std::array<GraphicView*, 8> views() const;
@@ -107,6 +124,10 @@ class AppDelegate final : public QObject {
   std::unique_ptr<Ui::MainWindow> mainForm_;
   // Windows 0..11; the main window has the bar of its form. Destroyed before the windows.
   std::array<std::unique_ptr<QMenuBar>, MainWindowNumber> menuBars_;
+  // They use the windows and the menus, so they go first.
+  std::unique_ptr<SystemConsoleFeed> systemConsole_;
+  std::unique_ptr<PasteboardMirror> pasteboard_;
+  std::unique_ptr<DesktopActions> desktopActions_;
 };
 
 }  // namespace rvtools::shell

@@ -132,11 +132,52 @@ void GraphicWindow::setMenuBar(QMenuBar* menuBar) {
 }
 
 int GraphicWindow::menuBarHeight() const {
-  return menuBar_ != nullptr ? menuBar_->sizeHint().height() : 0;
+  return menuBar_ != nullptr && !menuBar_->isHidden() ? menuBar_->sizeHint().height() : 0;
 }
 
 void GraphicWindow::resizeContent(int width, int height) {
+  if (isFullScreen()) {
+    contentSizeAfterFullScreen_ = QSize(width, height);
+    return;
+  }
   resize(width, height + menuBarHeight());
+}
+
+void GraphicWindow::setTitle(const QString& title) {
+  title_ = title;
+  setWindowTitle(recording_ ? QStringLiteral("%1 ● Recording").arg(title_) : title_);
+}
+
+void GraphicWindow::setRecordingSign(bool recording) {
+  recording_ = recording;
+  setTitle(title_);
+}
+
+// A hidden menu bar's shortcuts do not work, so the window itself holds them meanwhile. Not
+// every window system gives the window its old place back, so it is put there again.
+void GraphicWindow::setFullScreen(bool fullScreen, const QList<QAction*>& shortcutItems) {
+  if (fullScreen == isFullScreen()) return;
+  if (fullScreen) {
+    for (QAction* item : shortcutItems) {
+      if (actions().contains(item)) continue;
+      addAction(item);
+      fullScreenShortcuts_.append(item);
+    }
+    geometryBeforeFullScreen_ = geometry();
+    if (menuBar_ != nullptr) menuBar_->hide();
+    showFullScreen();
+  } else {
+    for (QAction* item : fullScreenShortcuts_) removeAction(item);
+    fullScreenShortcuts_.clear();
+    if (menuBar_ != nullptr) menuBar_->show();
+    showNormal();
+    setGeometry(geometryBeforeFullScreen_);
+    if (contentSizeAfterFullScreen_.isValid()) {
+      resizeContent(contentSizeAfterFullScreen_.width(), contentSizeAfterFullScreen_.height());
+      contentSizeAfterFullScreen_ = QSize();
+    }
+  }
+  placeView();
 }
 
 void GraphicWindow::placeView() {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
 #include <QWidget>
 #include <chrono>
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include "rvtools/types.hpp"
 #include "shell/picture_layout.hpp"
 
+class QAction;
 class QMenuBar;
 
 namespace rvtools::shell {
@@ -56,9 +58,18 @@ class GraphicWindow final : public QWidget {
   GraphicView& view() { return view_; }
   // Puts `menuBar` (a child of this window) above the content.
   void setMenuBar(QMenuBar* menuBar);
+  // The height of the menu bar above the content; 0 while it is hidden.
   int menuBarHeight() const;
-  // Resizes the window so that its content is width x height.
+  // Resizes the window so that its content is width x height; a window on the whole screen
+  // takes the size when it is back in its window.
   void resizeContent(int width, int height);
+  // Shows the window on the whole screen without its menu bar, the items with a shortcut of
+  // its menus still at hand, or back in its window with the bar.
+  void setFullScreen(bool fullScreen, const QList<QAction*>& shortcutItems);
+  // The title the program gave the window, shown with a sign while the window is recorded.
+  void setTitle(const QString& title);
+  QString title() const { return title_; }
+  void setRecordingSign(bool recording);
   // Places the view for the window's current size and its record's size and border.
   void placeView();
   // A button press in the view or, outside it, in the border.
@@ -76,6 +87,11 @@ class GraphicWindow final : public QWidget {
   GraphicView view_;
   PictureLayout layout_;  // within the content, below the menu bar
   QMenuBar* menuBar_ = nullptr;
+  QList<QAction*> fullScreenShortcuts_;  // held by the window while its menu bar is hidden
+  QRect geometryBeforeFullScreen_;
+  QString title_;
+  bool recording_ = false;
+  QSize contentSizeAfterFullScreen_;  // asked for while on the whole screen
 };
 
 }  // namespace rvtools::shell

@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QEvent>
-#include <QFileDialog>
 #include <QFontDatabase>
 #include <QImage>
 #include <QMenu>
@@ -19,6 +18,8 @@
 #include <mutex>
 
 #include "rvtools/host.hpp"
+#include "shell/dialogs.hpp"
+#include "shell/text_windows.hpp"
 
 namespace rvtools::shell {
 namespace {
@@ -159,7 +160,13 @@ void QtHost::displayView(UInt8 window, bool deferred) {
 }
 
 void QtHost::setWindowTitle(UInt8 window, const std::string& title) {
-  onWindow(window, [&](QWidget& target) { target.setWindowTitle(QString::fromStdString(title)); });
+  onWindow(window, [&](QWidget& target) {
+    if (window < 8) {
+      static_cast<GraphicWindow&>(target).setTitle(QString::fromStdString(title));
+    } else {
+      target.setWindowTitle(QString::fromStdString(title));
+    }
+  });
 }
 
 void QtHost::setWindowTitleVisible(UInt8 window, bool visible) {
@@ -310,15 +317,12 @@ UInt8 QtHost::frontWindow() {
 std::string QtHost::runFilePanel(const FilePanelRequest& request) {
   QString path;
   runOnInterfaceThread([&] {
-    QFileDialog panel(QApplication::activeWindow(), QString::fromStdString(request.Title),
-                      QString::fromStdString(request.FileName), fileFilter(request.FileTypes));
-    panel.setAcceptMode(request.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    panel.setFileMode(request.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    if (!request.Note.empty())
-      panel.setLabelText(QFileDialog::LookIn, QString::fromStdString(request.Note));
-    if (panel.exec() == QDialog::Accepted && !panel.selectedFiles().isEmpty()) {
-      path = panel.selectedFiles().first();
-    }
+    path = askForFile(QApplication::activeWindow(), {request.Save,
+                                                     QString::fromStdString(request.Title),
+                                                     QString::fromStdString(request.Note),
+                                                     QString::fromStdString(request.FileName),
+                                                     fileFilter(request.FileTypes),
+                                                     {}});
   });
   return path.toStdString();
 }
@@ -329,6 +333,7 @@ bool QtHost::onTextView(UInt8 window, const std::function<void(QPlainTextEdit&)>
     QPlainTextEdit* view = delegate_.textView(window);
     if (view == nullptr) return;
     found = true;
+    if (window == SystemConsoleWindowNumber) delegate_.systemConsole().showPendingLog();
     work(*view);
   });
   return found;
@@ -344,9 +349,7 @@ std::optional<std::string> QtHost::textViewText(UInt8 window) {
 
 bool QtHost::appendToTextView(UInt8 window, const std::string& text) {
   return onTextView(window, [&](QPlainTextEdit& view) {
-    view.moveCursor(QTextCursor::End);
-    view.insertPlainText(QString::fromStdString(text));
-    view.ensureCursorVisible();
+    appendFollowingEnd(view, QString::fromStdString(text));
   });
 }
 
@@ -358,14 +361,13 @@ bool QtHost::clearTextView(UInt8 window) {
 }
 
 // A plain-text view substitutes nothing and detects no links, so only the font and the text
-// need setting.
+// need setting; the text is the pasteboard's once the window is shown.
 void QtHost::preparePasteboardView() {
-  onTextView(PasteboardWindowNumber, [](QPlainTextEdit& view) {
+  onTextView(PasteboardWindowNumber, [this](QPlainTextEdit& view) {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     font.setPointSize(PasteboardFontSize);
     view.setFont(font);
-    view.clear();
-    view.viewport()->update();
+    delegate_.pasteboard().reset();
   });
 }
 

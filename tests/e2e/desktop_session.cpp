@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QProcessEnvironment>
+#include <QTemporaryFile>
 #include <QtEndian>
 #include <csignal>
 #include <thread>
@@ -119,6 +120,20 @@ void DesktopTest::pressKeys(const QString& window, const QStringList& keys) {
 
 void DesktopTest::typeText(const QString& window, const QString& text) {
   runClient(RVTOOLS_XDOTOOL, {"windowfocus", "--sync", window, "type", "--delay", "40", text});
+}
+
+// xclip hands the text over to a copy of itself that serves the clipboard until another program
+// takes it or the X server ends.
+void DesktopTest::putOnClipboard(const QByteArray& text) {
+  QTemporaryFile file;
+  ASSERT_TRUE(file.open());
+  file.write(text);
+  file.close();
+  runClient(RVTOOLS_XCLIP, {"-selection", "clipboard", "-in", file.fileName()});
+}
+
+QByteArray DesktopTest::clipboardText() {
+  return runClient(RVTOOLS_XCLIP, {"-selection", "clipboard", "-out"});
 }
 
 QImage DesktopTest::screenshot(const QString& window) {

@@ -1,7 +1,8 @@
 // End-to-end test helpers: a fixture that gives each test an X server of its own (Xvfb on a
 // display number the server picks itself), starts desktop programs on it with their log
-// captured, types with real X key events (xdotool) and takes the X server's picture of a window
-// (xwd). Every process it starts is killed when the test ends, or when the test binary dies.
+// captured, types with real X key events (xdotool), takes the X server's picture of a window
+// (xwd) and reads and writes the X clipboard as another program (xclip). Every process it starts
+// is killed when the test ends, or when the test binary or the X server dies.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -53,6 +54,9 @@ class DesktopTest : public ::testing::Test {
   void pressKeys(const QString& window, const QStringList& keys);
   // Focuses `window` and types `text` character by character.
   void typeText(const QString& window, const QString& text);
+  // Puts `text` on the X clipboard, owned by another program; and the clipboard's text.
+  void putOnClipboard(const QByteArray& text);
+  QByteArray clipboardText();
   // The X server's picture of `window`; a null image when it could not be taken.
   QImage screenshot(const QString& window);
   // Saves `picture` as <name>.png into the folder named by RVTOOLS_SCREENSHOTS, when it is set;

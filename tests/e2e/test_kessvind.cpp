@@ -1,7 +1,10 @@
-// The drop demo Kessvind as a user meets it on a real X server: the delay prompt, the sound
-// question of slow runs, the bits falling, the full tub with the closing text, a window that
-// stays open after the program has ended, and the quit shortcut.
+// The drop demo Kessvind as a user meets it on a real X server: the delay prompt (typed, or
+// pasted from the clipboard), the sound question of slow runs, the bits falling, the full tub
+// with the closing text, a window that stays open after the program has ended, its picture
+// saved and its text copied through the File and Edit menus' shortcuts, and the quit shortcut.
+#include <QDir>
 #include <QProcessEnvironment>
+#include <QTemporaryDir>
 #include <thread>
 
 #include "desktop_session.hpp"
@@ -22,6 +25,16 @@ QColor loResPoint(const QImage& picture, int x, int y) {
   return picture.pixelColor(Border + 16 * x + 8, Border + 16 * (y + 10) + 8);
 }
 
+// Pixels of the same place that differ in colour; -1 when the sizes differ.
+int differingPixels(const QImage& one, const QImage& other) {
+  if (one.size() != other.size()) return -1;
+  int count = 0;
+  for (int y = 0; y < one.height(); ++y) {
+    for (int x = 0; x < one.width(); ++x) count += one.pixelColor(x, y) != other.pixelColor(x, y);
+  }
+  return count;
+}
+
 bool tubIsDrawn(const QImage& picture) {
   return loResPoint(picture, 0, 20) == TubGreen && loResPoint(picture, 79, 20) == TubGreen;
 }
@@ -38,17 +51,31 @@ int bitsInTheTub(const QImage& picture) {
   return bits;
 }
 
+// The line of the delay prompt starts as "5000".
+const QStringList EraseTheDelay = {"BackSpace", "BackSpace", "BackSpace", "BackSpace"};
+
 class KessvindTest : public DesktopTest {
  protected:
-  // Starts the demo and answers the delay prompt, whose line starts as "5000".
+  // Starts the demo and types the answer to the delay prompt.
   std::unique_ptr<DesktopProgram> startWithDelay(const QString& delay) {
     auto program = start(RVTOOLS_KESSVIND);
     window_ = findWindow("Kessvind");
     if (window_.isEmpty()) return program;
-    QStringList keys = {"BackSpace", "BackSpace", "BackSpace", "BackSpace"};
+    QStringList keys = EraseTheDelay;
     for (const QChar digit : delay) keys << QString(digit);
     pressKeys(window_, keys << "Return");
     return program;
+  }
+
+  // Saves the window's picture with File > Save Picture… (Meta+Shift+S) as `path`, typed into
+  // the file dialog.
+  void savePicture(const QString& path) {
+    pressKeys(window_, {"super+shift+s"});
+    const QString dialog = findWindow("Save Picture");
+    ASSERT_FALSE(dialog.isEmpty());
+    pressKeys(dialog, {"ctrl+a"});
+    typeText(dialog, path);
+    pressKeys(dialog, {"Return"});
   }
 
   void quitWithTheShortcut(DesktopProgram& program) {
@@ -60,9 +87,14 @@ class KessvindTest : public DesktopTest {
   QString window_;
 };
 
-TEST_F(KessvindTest, NoDelayFillsTheTubEndsTheProgramAndKeepsTheWindow) {
-  const auto program = startWithDelay("0");
+// The answer "0" and Return comes from another program through the clipboard: Edit > Paste
+// (Meta+V) types it.
+TEST_F(KessvindTest, PastedNoDelayFillsTheTubEndsTheProgramAndKeepsTheWindow) {
+  const auto program = start(RVTOOLS_KESSVIND);
+  window_ = findWindow("Kessvind");
   ASSERT_FALSE(window_.isEmpty());
+  putOnClipboard("0\n");
+  pressKeys(window_, EraseTheDelay + QStringList{"super+v"});
   ASSERT_TRUE(program->waitForLogLine("PlotDrops: Bit Zolbe voll.", 120s));
   ASSERT_TRUE(program->waitForLogLine(QuitLine, 10s));
 
@@ -79,6 +111,26 @@ TEST_F(KessvindTest, NoDelayFillsTheTubEndsTheProgramAndKeepsTheWindow) {
   EXPECT_TRUE(tubIsDrawn(picture));
   EXPECT_EQ(loResPoint(picture, 40, 39), TubGreen);
   EXPECT_GT(bitsInTheTub(picture), 1000);
+
+  // The saved picture is the window's own, border and menu bar aside, pixel for pixel.
+  const QTemporaryDir folder;
+  const QString path = QDir(folder.path()).filePath("tub.png");
+  savePicture(path);
+  for (int wait = 0; wait < 100 && !QFileInfo::exists(path); ++wait)
+    std::this_thread::sleep_for(100ms);
+  ASSERT_TRUE(QFileInfo::exists(path));
+  const QImage saved(path);
+  EXPECT_EQ(differingPixels(saved, picture.copy(Border, Border, 80 * CellWidth, 25 * CellHeight)),
+            0);
+
+  // Edit > Copy Text (Meta+C) gives other programs the screen as the characters it shows.
+  pressKeys(window_, {"super+c"});
+  const QString text = QString::fromUtf8(clipboardText());
+  EXPECT_TRUE(text.startsWith("Kessvind")) << text.toStdString();
+  EXPECT_TRUE(text.contains(QString(80, QChar(0x2500)) + '\n'));
+  EXPECT_TRUE(text.contains('\n' + QString(80, QChar(0x2580)) + '\n'));
+  EXPECT_TRUE(text.endsWith("(Programm Ende)" + QString(65, QChar(0x2580)) + '\n'));
+  EXPECT_FALSE(text.contains('\r'));
 
   std::this_thread::sleep_for(1s);
   EXPECT_TRUE(program->isRunning());

@@ -1,9 +1,12 @@
 // Shell test helpers: the delegate and host shared by all tests, and a fixture that gives each
-// test a fresh runtime on the Qt host with the log captured.
+// test a fresh runtime on the Qt host with the log captured. Dialogs that a test does not answer
+// itself (shell::setDialogRunner) are cancelled.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QString>
 #include <string>
 #include <vector>
 
@@ -22,8 +25,16 @@ class ShellTest : public ::testing::Test {
   void TearDown() override;
 
   std::vector<std::string> logLines() const;
+  // The item of that title in the menu of that title, or null.
+  static QAction* menuItem(const QString& menu, const QString& title);
+  // Opens the menu (which brings its items' enabled states up to date) and chooses the item.
+  static void choose(const QString& menu, const QString& title);
   // Graphic window `window` of width x height grey pixels with a border around it.
   void initGraphicWindow(UInt8 window, Int width, Int height, Int border, bool autoUpdate);
+  // Graphic window `window` of columns x lines blank characters of the bundle's bold font.
+  void initTextWindow(UInt8 window, Int columns, Int lines);
+  // Brings `window` to the front and waits until it is the active window.
+  void bringToFront(UInt8 window);
   shell::GraphicWindow& graphicWindow(UInt8 window);
 };
 

@@ -1,9 +1,11 @@
-// The picture layout and the key numbering, checked without windows.
+// The picture layout, the auxiliary windows' first places and the key numbering, checked
+// without windows.
 #include <gtest/gtest.h>
 
 #include "rvtools/input.hpp"
 #include "shell/key_translation.hpp"
 #include "shell/picture_layout.hpp"
+#include "shell/window_placement.hpp"
 
 namespace rvtools::shell {
 namespace {
@@ -35,6 +37,21 @@ TEST(PictureLayoutTest, ScalesByWholeFactorsCentredAndFractionalOnlyBelowOne) {
 
   const PictureLayout empty = layoutPicture({300, 200}, 1.0, {});
   EXPECT_EQ(empty.View, QRect(0, 0, 300, 200));
+}
+
+TEST(WindowPlacementTest, BesideTheFrontWindowElseCascadedBelowItsMenuBarAlwaysOnScreen) {
+  const QRect screen(0, 0, 1600, 1000);
+  const QSize frame(400, 300);
+  // Room to the right of a window 600 wide at (100, 50): beside it, one step lower each.
+  EXPECT_EQ(auxiliaryWindowPlace(screen, frame, QRect(100, 50, 600, 400), 30, 0), QPoint(708, 50));
+  EXPECT_EQ(auxiliaryWindowPlace(screen, frame, QRect(100, 50, 600, 400), 30, 2), QPoint(708, 114));
+  // No room beside a wide window: over it, below its top 30 pixels, cascaded.
+  const QRect wide(100, 50, 1400, 800);
+  EXPECT_EQ(auxiliaryWindowPlace(screen, frame, wide, 30, 0), QPoint(132, 112));
+  EXPECT_EQ(auxiliaryWindowPlace(screen, frame, wide, 30, 1), QPoint(164, 144));
+  // Never off the screen; without a front window, cascaded from the screen's corner.
+  EXPECT_EQ(auxiliaryWindowPlace(screen, frame, QRect(0, 650, 1500, 350), 30, 0), QPoint(32, 700));
+  EXPECT_EQ(auxiliaryWindowPlace(screen, frame, {}, 0, 4), QPoint(160, 160));
 }
 
 TEST(KeyTranslationTest, PhysicalKeysMapToTheRuntimesNumbers) {

@@ -3,8 +3,10 @@
 #include <QImage>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QTest>
 #include <chrono>
+#include <set>
 #include <tuple>
 
 #include "shell_test.hpp"
@@ -129,6 +131,70 @@ TEST_F(ViewTest, RefreshDrawsThePictureScaledCrisply) {
     EXPECT_EQ(image.pixelColor(black), QColor(Qt::black));
   }
   EXPECT_TRUE(Windows[3].VerticalBlank);
+}
+
+// Full screen: the same whole-number scaling, the border colour all around, no menu bar, and
+// keys and clicks as in the window; Meta+F goes there and back, Escape stays the program's.
+TEST_F(ViewTest, FullScreenScalesByWholeFactorsAndKeepsKeysAndClicks) {
+  initGraphicWindow(0, 64, 48, 8, true);
+  bringToFront(0);
+  shell::GraphicWindow& window = graphicWindow(0);
+  QWidget& view = window.view();
+  const QRect normal = window.geometry();
+  QTest::keyClick(&view, Qt::Key_F, Qt::MetaModifier);
+  const QRect screen = window.screen()->geometry();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window.geometry() == screen; }));
+  EXPECT_TRUE(window.isFullScreen());
+  EXPECT_EQ(window.menuBarHeight(), 0);
+  // The 80 x 64 content fits min(width / 80, height / 64) times, whole.
+  const int scale = std::min(screen.width() / 80, screen.height() / 64);
+  EXPECT_EQ(view.size(), QSize(64 * scale, 48 * scale));
+  QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(scale * 10, scale * 5));
+  const std::optional<t_Event> click = t_TakeMouseEvent();
+  ASSERT_TRUE(click.has_value());
+  EXPECT_EQ(click->ClickX, 10);
+  EXPECT_EQ(click->ClickY, 5);
+  QTest::keyClick(&view, Qt::Key_Escape);
+  EXPECT_EQ(EventQueue.takeFirst()->Value, 27);
+  EXPECT_TRUE(window.isFullScreen());
+
+  const QImage image = window.grab().toImage();
+  const QColor border(PaletteRed[5], PaletteGreen[5], PaletteBlue[5]);
+  EXPECT_EQ(image.pixelColor(1, 1), border);
+  EXPECT_EQ(image.pixelColor(image.width() - 2, image.height() - 2), border);
+
+  QTest::keyClick(&view, Qt::Key_F, Qt::MetaModifier);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !window.isFullScreen(); }));
+  EXPECT_EQ(window.geometry(), normal);
+  EXPECT_GT(window.menuBarHeight(), 0);
+}
+
+// Auxiliary windows that the program did not place open at places of their own, wholly on the
+// screen, clear of the menu bar of the graphic window in front.
+TEST_F(ViewTest, AuxiliaryWindowsOpenAtPlacesOfTheirOwn) {
+  initGraphicWindow(0, 64, 48, 8, false);
+  bringToFront(0);
+  const QWidget& graphic = graphicWindow(0);
+  const QRect menuBar(graphic.geometry().topLeft(),
+                      QSize(graphic.width(), graphicWindow(0).menuBarHeight()));
+  const QRect screen = graphic.screen()->availableGeometry();
+  std::set<std::pair<int, int>> places;
+  for (UInt8 n = PasteboardWindowNumber; n <= MainWindowNumber; ++n) {
+    QWidget& window = *shellDelegate().window(n);
+    window.setAttribute(Qt::WA_Moved, false);
+    t_WindowFront(n);
+    const QRect frame = window.frameGeometry();
+    EXPECT_TRUE(screen.contains(frame)) << int(n);
+    EXPECT_FALSE(frame.intersects(menuBar)) << int(n);
+    places.insert({frame.x(), frame.y()});
+  }
+  EXPECT_EQ(places.size(), 5u);
+
+  // A window the program has placed stays where it was put.
+  shellDelegate().PreferencesWindow->hide();
+  t_WindowPos(PreferencesWindowNumber, 3, 4);
+  t_WindowFront(PreferencesWindowNumber);
+  EXPECT_EQ(shellDelegate().PreferencesWindow->frameGeometry().topLeft(), QPoint(3, 4));
 }
 
 }  // namespace
