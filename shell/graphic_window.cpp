@@ -47,9 +47,11 @@ GraphicView::GraphicView(UInt8 window, GraphicWindow& owner)
 
 bool GraphicView::pictureIsCurrent() const {
   const t_Window& record = Windows[window_];
+  const auto age = std::chrono::steady_clock::now().time_since_epoch() -
+                   std::chrono::steady_clock::duration(composedAt_);
   return composed_ && composedVersion_ == pictureVersion(window_) &&
-         picture_.width() == record.Width && picture_.height() == record.Height &&
-         std::chrono::steady_clock::now() - composedAt_ < PictureLifetime;
+         composedWidth_ == record.Width && composedHeight_ == record.Height &&
+         age < PictureLifetime;
 }
 
 // The version is read before composing, so that a change made meanwhile composes again.
@@ -70,7 +72,9 @@ bool GraphicView::composePicture() {
       t_WindowImageInto(window_, picture_.bits(), static_cast<std::size_t>(picture_.sizeInBytes()),
                         PixelOrder::NativeArgb32);
   composedVersion_ = version;
-  composedAt_ = std::chrono::steady_clock::now();
+  composedWidth_ = width;
+  composedHeight_ = height;
+  composedAt_ = std::chrono::steady_clock::now().time_since_epoch().count();
   return composed_;
 }
 

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QList>
 #include <QWidget>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 
@@ -27,8 +28,8 @@ class GraphicView final : public QWidget {
 
   UInt8 windowNumber() const { return window_; }
   // Whether the kept picture still shows what the window holds: composed at the window's
-  // current picture version less than a second ago (what a program writes straight into the
-  // video memory shows within that second).
+  // current picture version and size less than a second ago (what a program writes straight
+  // into the video memory shows within that second). Any thread may ask.
   bool pictureIsCurrent() const;
 
  protected:
@@ -46,9 +47,11 @@ class GraphicView final : public QWidget {
   UInt8 window_;
   GraphicWindow& owner_;
   QImage picture_;  // kept across frames; reallocated only when the window's size changes
-  bool composed_ = false;
-  std::uint64_t composedVersion_ = 0;
-  std::chrono::steady_clock::time_point composedAt_;
+  // What the kept picture shows; the refresh thread reads it to leave an unchanged view alone.
+  std::atomic<bool> composed_{false};
+  std::atomic<std::uint64_t> composedVersion_{0};
+  std::atomic<Int> composedWidth_{0}, composedHeight_{0};
+  std::atomic<std::chrono::steady_clock::rep> composedAt_{0};
 };
 
 class GraphicWindow final : public QWidget {

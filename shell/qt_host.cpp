@@ -145,14 +145,16 @@ PlatformHandle QtHost::viewHandle(UInt8 window) {
   return delegate_.view(window);
 }
 
+// A refresh of an unchanged picture costs neither a composition nor a paint, nor a call to the
+// GUI thread.
 void QtHost::displayView(UInt8 window, bool deferred) {
   if (window >= 8) return;
+  if (deferred && delegate_.view(window)->pictureIsCurrent()) return;
   onWindow(window, [deferred](QWidget& target) {
     auto& graphicWindow = static_cast<GraphicWindow&>(target);
     graphicWindow.placeView();
     if (deferred) {
-      // A refresh of an unchanged picture costs neither a composition nor a paint.
-      if (!graphicWindow.view().pictureIsCurrent()) graphicWindow.view().update();
+      graphicWindow.view().update();
     } else {
       graphicWindow.view().repaint();
     }
