@@ -631,13 +631,14 @@ void menuOperation(FuzzedDataProvider& in) {
     case 4: {
       t_MenuAction action;
       action.Tag = menuTag(in);
-      action.Action = menuTag(in);
+      action.Action = in.ConsumeBool() ? action.Tag : menuTag(in);
       action.Title = hostileText(in);
       action.FileTypes = hostileText(in);
       return t_AddMenuAction(action);
     }
     default:
       t_MenuActionOf(menuTag(in));
+      t_TakeMenuEvent();
       return;
   }
 }
