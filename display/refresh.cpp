@@ -5,6 +5,7 @@
 #include <functional>
 #include <mutex>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
@@ -40,7 +41,7 @@ void display(UInt8 window, bool deferred) {
 bool isDue(const t_Window& record, Int now) {
   const Int rate = record.RefreshRate;
   const Int interval = rate == 0 ? 0 : 1000 / rate;
-  return now - record.UpdateStarted >= interval;
+  return saturatingDifference(now, record.UpdateStarted) >= interval;
 }
 
 // One pass over the eight windows; true when any view was asked to redraw.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/input.hpp"
@@ -102,14 +103,14 @@ void deleteCharacter(UInt8 window, t_Window& record, Int index) {
 Int wordRightPosition(const Scalars& line, Int position) {
   const Int count = countOf(line);
   if (position >= count) return position;
-  ++position;
+  position = std::max<Int>(position, 0) + 1;
   while (position < count && line[position] != U' ') ++position;
   return position;
 }
 
 Int wordLeftPosition(const Scalars& line, Int position) {
   if (position <= 0) return position;
-  --position;
+  position = std::min(position, countOf(line)) - 1;
   while (position > 0 && line[position - 1] != U' ') --position;
   return position;
 }
@@ -152,7 +153,7 @@ void applyKey(UInt8 window, t_Window& record, Int key) {
       deleteCharacter(window, record, position);
       break;
     case LeftKey:
-      record.InputCursorPos = position - 1;
+      record.InputCursorPos = saturatingSum(position, -1);
       break;
     case CopyKey:
       host().setPasteboardText(record.InputString);
@@ -164,7 +165,7 @@ void applyKey(UInt8 window, t_Window& record, Int key) {
       record.InputCursorPos = wordLeftPosition(scalarsOf(record.InputString), position);
       break;
     case RightKey:
-      record.InputCursorPos = position + 1;
+      record.InputCursorPos = saturatingSum(position, 1);
       break;
     case ClearKey:
       clearLine(window, record);
@@ -177,8 +178,8 @@ void applyKey(UInt8 window, t_Window& record, Int key) {
       enterCharacterCode(window, record);
       break;
     case DeleteLeftKey:
-      deleteCharacter(window, record, position - 1);
-      record.InputCursorPos = position - 1;
+      deleteCharacter(window, record, saturatingSum(position, -1));
+      record.InputCursorPos = saturatingSum(position, -1);
       break;
     default:
       // The cursor was placed before the switch; that is all key 31 and the other control
@@ -265,7 +266,7 @@ void t_InputEdit(UInt8 window, Int key) {
   t_Window* record = checkedWindow("t_InputEdit", window, Needs::TextMemory);
   if (!record) return;
   record->TextVpos = record->InputVpos;
-  record->TextHpos = record->InputHpos + record->InputCursorPos;
+  record->TextHpos = saturatingSum(record->InputHpos, record->InputCursorPos);
   applyKey(window, *record, key);
   const Int count = characterCount(record->InputString);
   record->InputCursorPos = std::clamp<Int>(record->InputCursorPos, 0, count);
@@ -276,8 +277,8 @@ void t_InputInsert(UInt8 window, Int character) {
   if (!record) return;
   Scalars line = scalarsOf(record->InputString);
   const Int count = countOf(line);
-  const bool room =
-      record->InputHpos + count < record->TextLastColumn && count < record->InputMaxCharacters;
+  const bool room = saturatingSum(record->InputHpos, count) < record->TextLastColumn &&
+                    count < record->InputMaxCharacters;
   // A value that is no Unicode scalar cannot become a character of the line.
   if (!room || !isScalarValue(character)) return;
   const Int position = std::clamp<Int>(record->InputCursorPos, 0, count);
@@ -286,10 +287,10 @@ void t_InputInsert(UInt8 window, Int character) {
   line.insert(line.begin() + position, static_cast<char32_t>(character));
   record->InputString = joined(line);
   record->TextVpos = record->InputVpos;
-  record->TextHpos = record->InputHpos + position;
+  record->TextHpos = saturatingSum(record->InputHpos, position);
   printVisibly(window, *record, joined(Scalars(line.begin() + position, line.end())));
   record->InputCursorPos = position + 1;
-  record->TextHpos = record->InputHpos + position + 1;
+  record->TextHpos = saturatingSum(record->InputHpos, position + 1);
 }
 
 }  // namespace rvtools

@@ -5,6 +5,7 @@
 // operations.
 #include <mutex>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
@@ -93,7 +94,7 @@ void viewMouseUp() {
 }
 
 void t_MouseEventHandler(UInt8 window, const t_MouseClick& click, double x, double y) {
-  const Int absX = static_cast<Int>(x), absY = static_cast<Int>(y);
+  const Int absX = truncatedCoordinate(x), absY = truncatedCoordinate(y);
   Int clickX = NoPosition, clickY = NoPosition;
   std::string source;
   if (window >= 8) {
@@ -103,8 +104,10 @@ void t_MouseEventHandler(UInt8 window, const t_MouseClick& click, double x, doub
   } else {
     const t_Window& record = Windows[window];
     // The vertical axis is flipped, so that 0 is the top row of the drawing area.
-    clickX = areaCoordinate(absX - record.BorderWidth, record.Width);
-    clickY = areaCoordinate(record.BorderHeight + (record.Height - absY), record.Height);
+    clickX = areaCoordinate(saturatingDifference(absX, record.BorderWidth), record.Width);
+    clickY = areaCoordinate(
+        saturatingSum(record.BorderHeight, saturatingDifference(record.Height, absY)),
+        record.Height);
     source = "Graphic #" + std::to_string(window);
     MouseEventQueue.append(mouseEvent(window, click, absX, absY, clickX, clickY));
   }

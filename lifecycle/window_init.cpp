@@ -9,6 +9,7 @@
 #include <cstring>
 #include <thread>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
@@ -124,12 +125,6 @@ std::string windowTitle(bool hasText) {
   std::string title = longName ? name.substr(0, name.size() - 4) : std::string();
   if (!hasText) title += "-Grafik";
   return title;
-}
-
-// a x b, or the largest Int when the product does not fit.
-Int saturatingProduct(Int a, Int b) {
-  Int product = 0;
-  return __builtin_mul_overflow(a, b, &product) ? INT64_MAX : product;
 }
 
 void waitForMemory() {

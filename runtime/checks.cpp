@@ -49,8 +49,7 @@ Int TextCells::characterAddress(Int column, Int line) const {
   if (column < 1 || line < 1 || width < 1 || column > half || line > half) return -1;
   Int offset = 0;
   if (__builtin_mul_overflow(width, line - 1, &offset)) return -1;
-  offset += column - 1;
-  if (offset >= half) return -1;
+  if (__builtin_add_overflow(offset, column - 1, &offset) || offset >= half) return -1;
   return start + offset;
 }
 

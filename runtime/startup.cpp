@@ -6,6 +6,7 @@
 #include <time.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <mutex>
 #include <thread>
@@ -94,9 +95,11 @@ int runningProgramThreads() {
   return programThreadCount.load();
 }
 
+// A sleep that a signal interrupts goes on for the time left; a duration the system refuses
+// is no sleep at all.
 void sleepFor(Int seconds, Int nanoseconds) {
   timespec duration{static_cast<time_t>(seconds), static_cast<long>(nanoseconds)};
-  while (nanosleep(&duration, &duration) != 0) {
+  while (nanosleep(&duration, &duration) != 0 && errno == EINTR) {
   }
 }
 

@@ -2,8 +2,11 @@
 // 0..12. The platform work is the host's; a number without a window is refused with
 // "<operation>: Window does not exist.". Showing or hiding a graphic window also sets its
 // record's Visible, since an invisible window composes no picture.
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
 #include "rvtools/platform.hpp"
@@ -18,8 +21,16 @@ bool windowExists(const char* operation, UInt8 window) {
   return false;
 }
 
-Int wrappingSum(Int a, std::uint64_t b) {
-  return static_cast<Int>(static_cast<std::uint64_t>(a) + b);
+// Positions and sizes reach the host within the range of 32-bit coordinates, the range of every
+// window system; a frame beyond it could be shown on no screen anyway.
+Int screenCoordinate(Int value) {
+  return std::clamp<Int>(value, std::numeric_limits<std::int32_t>::min(),
+                         std::numeric_limits<std::int32_t>::max());
+}
+
+// A graphic window's drawing area with its border on both sides.
+Int withBorders(Int size, Int border) {
+  return saturatingSum(size, saturatingProduct(border, 2));
 }
 
 void markVisible(UInt8 window, bool visible) {
@@ -32,19 +43,19 @@ void markVisible(UInt8 window, bool visible) {
 
 void t_WindowPos(UInt8 window, Int x, Int y) {
   if (!windowExists("t_WindowPos", window)) return;
-  host().setWindowPosition(window, x, y);
+  host().setWindowPosition(window, screenCoordinate(x), screenCoordinate(y));
 }
 
 // For a graphic window the size is that of its drawing area, and the border is added around
 // it; the other windows take the size as it is.
 void t_WindowSize(UInt8 window, Int x, Int y, Int width, Int height) {
   if (!windowExists("t_WindowSize", window)) return;
-  if (x >= 0 && y >= 0) host().setWindowPosition(window, x, y);
+  if (x >= 0 && y >= 0) host().setWindowPosition(window, screenCoordinate(x), screenCoordinate(y));
   if (window < 8) {
-    width = wrappingSum(width, 2 * static_cast<std::uint64_t>(Windows[window].BorderWidth));
-    height = wrappingSum(height, 2 * static_cast<std::uint64_t>(Windows[window].BorderHeight));
+    width = withBorders(width, Windows[window].BorderWidth);
+    height = withBorders(height, Windows[window].BorderHeight);
   }
-  host().setWindowContentSize(window, width, height);
+  host().setWindowContentSize(window, screenCoordinate(width), screenCoordinate(height));
 }
 
 void t_WindowTitle(UInt8 window, const std::string& title) {

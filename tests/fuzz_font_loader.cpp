@@ -13,7 +13,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "runtime/log.hpp"
+#include "rvtools/platform.hpp"
 #include "text/fonts.hpp"
 #include "tools/font_writer.hpp"
 

@@ -2,6 +2,7 @@
 // scrolling and clearing; the block-moving scroll and the cell-redrawing scroll giving the same
 // pixels; the guards against a cursor beyond the last column and a tampered record; the
 // cursor's nesting level.
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -189,6 +190,42 @@ TEST_F(CursorTest, TamperedRecordNeverMovesBytesOutsideItsBlocks) {
   record.MemoryEnd = record.MemoryStart + 100;  // a block too small for the picture
   t_ScrollUp(0);
   EXPECT_TRUE(unchangedOutside(record.TextMemoryStart, record.TextMemoryEnd));
+}
+
+TEST_F(CursorTest, CursorAndAreaAtTheEndsOfTheIntRangeStayInsideTheWindow) {
+  constexpr Int Smallest = std::numeric_limits<Int>::min(),
+                Largest = std::numeric_limits<Int>::max();
+  constexpr Int Far = Int{1} << 40;
+  initBlankWindow(0, 24, 4, 3);
+  t_Window& record = Windows[0];
+  record.TextHpos = Largest;
+  t_CursorRight(0);
+  EXPECT_EQ(cursorOf(0), Position(1, 2));
+  record.TextHpos = Smallest;
+  t_CursorLeft(0);
+  EXPECT_EQ(cursorOf(0), Position(4, 1));
+  record.TextCursorLevel = Largest;
+  t_CursorOn(0);
+  EXPECT_EQ(record.TextCursorLevel, Largest);
+  record.TextCursorLevel = Smallest;
+  t_CursorOff(0);
+  EXPECT_EQ(record.TextCursorLevel, Smallest);
+
+  // An area far beyond the window: clearing and scrolling go over the window's cells only and
+  // refuse the first cell beyond it, once per call.
+  for (Int line = 1; line <= 3; ++line) write(0, 1, line, "abcd");
+  record.TextLastColumn = Far;
+  record.TextLastLine = Far;
+  record.TextHpos = 3;
+  t_ClearEndOfWindow(0);
+  EXPECT_EQ(screenText(0), screen(4, {"ab", "", ""}));
+  record.TextVpos = Largest;
+  t_CursorDown(0);
+  EXPECT_EQ(record.TextVpos, Largest - 1);
+  EXPECT_EQ(logLines(), (std::vector<std::string>{
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 5, y = 1).",
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 1, y = "
+                            "1099511627776)."}));
 }
 
 TEST_F(CursorTest, CursorDisplayNestsAndUndoesItself) {

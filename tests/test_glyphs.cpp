@@ -1,5 +1,7 @@
 // Glyph rendering: the pixels of one cell at each depth, the text memory it records, inverse
 // video, redirection and the refusals.
+#include <limits>
+
 #include "common.hpp"
 
 namespace rvtools::testing {
@@ -105,13 +107,18 @@ TEST_F(GlyphTest, CellsBeyondThePictureAreRefused) {
   t_PrintSymbol(0, 1, RedOnNavy, 1, -3);
   t_PrintSymbol(8, 1, RedOnNavy, 1, 1);
   t_PrintSymbol(1, 1, RedOnNavy, 1, 1);
+  t_Font wide = stripeFont();
+  wide.Width = std::numeric_limits<Int>::max() / 2 + 1;  // two cells overflow the Int range
+  t_WindowFont(0, wide);
+  t_PrintSymbol(0, 1, RedOnNavy, 2, 1);
   EXPECT_EQ(screenText(0), "....\n....\n....\n....\n");
   EXPECT_EQ(logLines(), (std::vector<std::string>{
                             "t_PrintSymbol: Window #0 illegal coordinates (x = 5, y = 1).",
                             "t_PrintSymbol: Window #0 illegal coordinates (x = 0, y = 1).",
                             "t_PrintSymbol: Window #0 illegal coordinates (x = 1, y = -3).",
                             "t_PrintSymbol: Window is not a graphic window.",
-                            "t_PrintSymbol: Window #1 not initialized."}));
+                            "t_PrintSymbol: Window #1 not initialized.",
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 2, y = 1)."}));
 }
 
 TEST_F(GlyphTest, RedirectionWritesToStandardOutputOnly) {

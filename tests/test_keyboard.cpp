@@ -175,6 +175,21 @@ TEST_F(KeyboardTest, GetKeySkipsValuelessEventsAndShowsTheCursorWhileItWaits) {
   EXPECT_EQ(Windows[0].TextCursorLevel, 0);
 }
 
+TEST_F(KeyboardTest, KeysAppendedOnAnotherThreadArriveAllInOrder) {
+  constexpr Int Keys = 100000;
+  constexpr Int FirstKeyNumber = 200;  // beyond the key-code table: every key queues "k"
+  std::thread interfaceThread([] {
+    for (Int n = 0; n < Keys; ++n) viewKeyDown(0, FirstKeyNumber + n, "k", 0);
+  });
+  Int inOrder = 0;
+  for (Int n = 0; n < Keys; ++n) {
+    if (t_GetKey(0) == "k" && LastEvent.Index == FirstKeyNumber + n) ++inOrder;
+  }
+  interfaceThread.join();
+  EXPECT_EQ(inOrder, Keys);
+  EXPECT_EQ(EventQueue.count(), 0u);
+}
+
 TEST_F(KeyboardTest, YesNoAnswersAndTheirEcho) {
   const struct {
     std::string characters;

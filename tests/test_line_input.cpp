@@ -1,5 +1,7 @@
 // The line input editor, driven through the real key queue: the keys are queued before the
 // form starts and the form takes them one by one. Screens show the line as it was left.
+#include <limits>
+
 #include "common.hpp"
 
 namespace rvtools::testing {
@@ -91,6 +93,25 @@ TEST_F(LineInputTest, DisplayOnlyShowsTheCutDefault) {
   EXPECT_EQ(Windows[0].TextHpos, 7);
   EXPECT_EQ(t_InputForm(0, "", "123", true, 4, 0), "");
   EXPECT_EQ(screenText(0).substr(0, 17), "P:1234..........\n");
+}
+
+TEST_F(LineInputTest, EditorStateWrittenByTheProgramStaysInsideTheLine) {
+  constexpr Int Largest = std::numeric_limits<Int>::max();
+  EXPECT_EQ(t_InputForm(0, "", "ab cd", true, 4, 10), "ab cd");
+  t_Window& record = Windows[0];
+  record.InputCursorPos = -7;
+  t_InputEdit(0, WordRight[0]);
+  EXPECT_EQ(record.InputCursorPos, 2);
+  record.InputCursorPos = 40;
+  t_InputEdit(0, WordLeft[0]);
+  EXPECT_EQ(record.InputCursorPos, 3);
+  // A line start at the end of the Int range: the cursor stops there, and no character fits.
+  record.InputHpos = Largest;
+  record.InputCursorPos = Largest;
+  t_InputEdit(0, Right[0]);
+  EXPECT_EQ(record.TextHpos, Largest);
+  t_InputInsert(0, 'x');
+  EXPECT_EQ(record.InputString, "ab cd");
 }
 
 TEST_F(LineInputTest, RefusalsNameTheOperation) {

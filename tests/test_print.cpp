@@ -2,6 +2,7 @@
 // tabs and blanks, redirection, title and separator lines, the control-S pause and refusals.
 #include <chrono>
 #include <functional>
+#include <limits>
 #include <thread>
 
 #include "common.hpp"
@@ -183,6 +184,42 @@ TEST_F(PrintTest, HeaderFillsTheAreaWithoutScrolling) {
   t_Header(3, "", "€");
   EXPECT_EQ(screenText(3), "         ?\n");
   EXPECT_EQ(screenColors(3), "30 30 30 30 30 30 30 30 30 30\n");
+}
+
+TEST_F(PrintTest, SpansBeyondTheWindowDrawWhatLiesInsideAndAreRefusedOnce) {
+  constexpr Int Far = Int{1} << 40;
+  t_TextHline(0, 1, Far, 1, '=');
+  t_TextHline(0, -Far, Far, 3, '-');
+  t_TextHline(0, 3, 5, Far, '#');
+  Windows[0].TextLastColumn = Far;  // a text area far wider than the window
+  t_Vtab(0, 2);
+  t_Htab(0, 7);
+  t_TextLine(0);
+  EXPECT_EQ(screenText(0), "========\n      ..\n--------\n");
+  // The title is no wider than the window; the closing t_Cr scrolls the area and blanks its
+  // last line up to the window's edge.
+  t_Header(0, "AB", "CD");
+  EXPECT_EQ(screenText(0), "      ..\nAB    CD\n" + Blank8);
+  EXPECT_EQ(cursor(0), Position(1, 3));
+  EXPECT_EQ(logLines(), (std::vector<std::string>{
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 1).",
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = -1099511627776, "
+                            "y = 3).",
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 3, y = "
+                            "1099511627776).",
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 2).",
+                            "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 3)."}));
+
+  // Tab stops and the escape's jump to the last column at the ends of the Int range.
+  clearLog();
+  Windows[0].TextLastColumn = 8;
+  Windows[0].TextHpos = std::numeric_limits<Int>::max();
+  t_Print(0, Escape + "i");
+  EXPECT_EQ(cursor(0), Position(1, 3));
+  Windows[0].TextFirstColumn = std::numeric_limits<Int>::min();
+  t_Print(0, Escape + "f");
+  EXPECT_EQ(Windows[0].TextDisplayMode, 0);
+  EXPECT_TRUE(logLines().empty());
 }
 
 TEST_F(PrintTest, ControlSPausesUntilTheNextKeyOrMenuChoice) {

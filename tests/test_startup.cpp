@@ -1,7 +1,9 @@
 // Start-up: the character tables, the memory and records that t_InitMemory creates, program
-// threads and their numbers, and the window frame operations' refusals.
+// threads and their numbers, and the window frame operations' refusals and limits.
 #include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <limits>
 #include <thread>
 
 #include "common.hpp"
@@ -73,6 +75,14 @@ TEST_F(StartupTest, FrameOperationsRefuseNumbersWithoutAWindow) {
                                                   "t_WindowCenter: Window does not exist.",
                                                   "t_WindowVisible: Window does not exist.",
                                                   "t_WindowInfo: Window does not exist."}));
+
+  // Frames beyond any screen reach the host within 32-bit coordinates.
+  t_WindowSize(9, -1, -1, std::numeric_limits<Int>::max(), std::numeric_limits<Int>::min());
+  t_WindowCenter(9);
+  const WindowFrame frame = t_WindowInfo(9).Frame;
+  EXPECT_EQ(std::make_pair(frame.Width, frame.Height),
+            std::make_pair(Int{std::numeric_limits<std::int32_t>::max()},
+                           Int{std::numeric_limits<std::int32_t>::min()}));
 }
 
 // The launch sequence is the same on every host; a mirror sees the log that a sink takes.

@@ -10,9 +10,11 @@
 #include <cstring>
 #include <optional>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
+#include "text/cells.hpp"
 
 namespace rvtools {
 namespace {
@@ -37,9 +39,9 @@ struct Span {
 };
 
 // The columns first..last that exist in the text memory. Only t_Htab can leave the cursor
-// beyond the area's last column, and a tampered record can hold any bounds, so every loop over
-// cells runs over such a clamped span: it stops at the last column and does nothing when it
-// starts beyond it.
+// beyond the area's last column, and a program can write any bounds into the record, so the
+// scroll's redrawing runs over such a clamped span: it stops at the last column and does nothing
+// when it starts beyond it.
 Span columnsInTextMemory(const t_Window& record, Int first, Int last) {
   return {std::max<Int>(first, 1), std::min<Int>(last, record.TextWidth)};
 }
@@ -48,14 +50,16 @@ Span linesInTextMemory(const t_Window& record, Int first, Int last) {
   return {std::max<Int>(first, 1), std::min<Int>(last, record.TextHeight)};
 }
 
-// Blanks the cells firstColumn..lastColumn of a line in the current colour, honouring
-// TextInverse.
-void blankCells(UInt8 window, const t_Window& record, Int firstColumn, Int lastColumn, Int line) {
-  const Span columns = columnsInTextMemory(record, firstColumn, lastColumn);
-  const UInt8 color = record.TextColor;
-  for (Int column = columns.first; column <= columns.last; ++column) {
+// Draws blanks in the current colour, honouring TextInverse, cell by cell of runs.
+auto blankCell(UInt8 window, const t_Window& record) {
+  return [window, color = UInt8{record.TextColor}](Int column, Int line) {
     t_PrintSymbol(window, Blank, color, column, line);
-  }
+  };
+}
+
+// Blanks the cells firstColumn..lastColumn of a line.
+void blankCells(UInt8 window, const t_Window& record, Int firstColumn, Int lastColumn, Int line) {
+  CellRuns(record).row(firstColumn, lastColumn, line, blankCell(window, record));
 }
 
 // Redraws cell (column, line) from the character and colour byte stored for (column, fromLine).
@@ -197,19 +201,24 @@ void scroll(UInt8 window, t_Window& record, Direction direction) {
   blankCells(window, record, area.firstColumn, area.lastColumn, freedLine);
 }
 
+// The cursor moves by one cell; at the edge of the Int range it stays where it is.
+void moveCursor(Relaxed<Int>& position, Int step) {
+  position = saturatingSum(position, step);
+}
+
 void cursorDown(UInt8 window, t_Window& record) {
-  record.TextVpos += 1;
+  moveCursor(record.TextVpos, 1);
   if (record.TextVpos > record.TextLastLine) {
     scroll(window, record, Direction::Up);
-    record.TextVpos -= 1;
+    moveCursor(record.TextVpos, -1);
   }
 }
 
 void cursorUp(UInt8 window, t_Window& record) {
-  record.TextVpos -= 1;
+  moveCursor(record.TextVpos, -1);
   if (record.TextVpos < record.TextFirstLine) {
     scroll(window, record, Direction::Down);
-    record.TextVpos += 1;
+    moveCursor(record.TextVpos, 1);
   }
 }
 
@@ -264,14 +273,14 @@ void t_Vtab(UInt8 window, Int line) {
 void t_CursorRight(UInt8 window) {
   t_Window* record = textWindow("t_CursorRight", window);
   if (record == nullptr) return;
-  record->TextHpos += 1;
+  moveCursor(record->TextHpos, 1);
   if (record->TextHpos > record->TextLastColumn) carriageReturn(window, *record);
 }
 
 void t_CursorLeft(UInt8 window) {
   t_Window* record = textWindow("t_CursorLeft", window);
   if (record == nullptr) return;
-  record->TextHpos -= 1;
+  moveCursor(record->TextHpos, -1);
   if (record->TextHpos < record->TextFirstColumn) {
     record->TextHpos = record->TextLastColumn;
     cursorUp(window, *record);
@@ -308,12 +317,12 @@ void t_ClearEndOfLine(UInt8 window) {
 void t_ClearEndOfWindow(UInt8 window) {
   t_Window* record = textWindow("t_ClearEndOfWindow", window);
   if (record == nullptr) return;
-  clearEndOfLine(window, *record);
-  const Span lines =
-      linesInTextMemory(*record, std::max<Int>(record->TextVpos, 0) + 1, record->TextLastLine);
-  for (Int line = lines.first; line <= lines.last; ++line) {
-    blankCells(window, *record, record->TextFirstColumn, record->TextLastColumn, line);
-  }
+  CellRuns runs(*record);
+  const auto blank = blankCell(window, *record);
+  const Int line = record->TextVpos;
+  runs.row(record->TextHpos, record->TextLastColumn, line, blank);
+  runs.rows(record->TextFirstColumn, record->TextLastColumn, saturatingSum(line, 1),
+            record->TextLastLine, blank);
 }
 
 }  // namespace rvtools

@@ -3,6 +3,7 @@
 // nesting level decides when it happens, so that nested callers can ask for the cursor on their
 // own. Depends on the window records and video memory (runtime), the entry checks and text-cell
 // addressing of runtime/checks.hpp, and t_PrintSymbol.
+#include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
@@ -37,7 +38,7 @@ void t_CursorOn(UInt8 window) {
   t_Window* record = cursorWindow("t_CursorOn", window);
   if (record == nullptr) return;
   const Int before = record->TextCursorLevel;
-  record->TextCursorLevel = before + 1;
+  record->TextCursorLevel = saturatingSum(before, 1);
   if (before == 0) invertCursorCell(window, *record);
 }
 
@@ -45,7 +46,7 @@ void t_CursorOff(UInt8 window) {
   t_Window* record = cursorWindow("t_CursorOff", window);
   if (record == nullptr) return;
   const Int before = record->TextCursorLevel;
-  record->TextCursorLevel = before - 1;
+  record->TextCursorLevel = saturatingSum(before, -1);
   if (before == 1) invertCursorCell(window, *record);
 }
 

@@ -3,16 +3,20 @@
 // here. The glyph's grey values mix the foreground and the background colour of the palette;
 // the mixes of every colour pair are computed once, and at the byte-per-channel depths 8 and 24
 // a rendered cell is kept per thread, so that printing a known character is a row-by-row copy.
+// The cells that t_PrintSymbol accepts are also what the runs of text/cells.hpp go over.
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
+#include "text/cells.hpp"
 
 namespace rvtools {
 namespace {
@@ -225,17 +229,25 @@ void drawGlyph(Int depth, const Cell& cell, const t_Font& font, UInt8 character,
 }
 
 // Whether the font holds the glyph's pixels in full; a font whose data ends early draws nothing
-// for the codes it lacks.
+// for the codes it lacks. The font's cell size is positive here.
 bool glyphInData(const t_Font& font, UInt8 character) {
-  const auto cellBytes = static_cast<std::size_t>(font.Width * font.Height);
-  return (std::size_t{character} + 1) * cellBytes <= font.Data.size();
+  const Int cellBytes = saturatingProduct(font.Width, font.Height);
+  return cellBytes <= static_cast<Int>(font.Data.size()) / (Int{character} + 1);
+}
+
+// The cells of `pixels` that fit whole, cells of `cellSize` pixels; a cell size of 0 or less
+// fits everywhere, since only the far edge of a cell is tested.
+Int wholeCells(Int pixels, Int cellSize) {
+  if (pixels < 0) return 0;
+  if (cellSize <= 0) return LargestCellNumber;
+  return std::min(pixels / cellSize, LargestCellNumber);
 }
 
 // Whether the cell (column, line) lies inside the picture: only the far edge bounds it, and a
 // column or line below 1 is no cell at all.
-bool cellInPicture(const t_Window& record, const t_Font& font, Int column, Int line) {
-  if (column < 1 || line < 1 || column > 8192 || line > 8192) return false;
-  return record.Width >= font.Width * column && record.Height >= font.Height * line;
+bool cellInPicture(const t_Window& record, Int column, Int line) {
+  const CellLimits picture = cellsOfPicture(record);
+  return column >= 1 && line >= 1 && column <= picture.columns && line <= picture.lines;
 }
 
 bool fontDrawable(const t_Font& font, UInt8 character) {
@@ -260,6 +272,21 @@ void recordInTextMemory(const t_Window& record, UInt8 character, UInt8 colours, 
 
 }  // namespace
 
+CellLimits cellsOfPicture(const t_Window& record) {
+  return {wholeCells(record.Width, record.Font.Width),
+          wholeCells(record.Height, record.Font.Height)};
+}
+
+CellLimits cellLimits(const t_Window& record) {
+  // A font without a cell size of its own divides the picture into no cells.
+  const bool fontHasCells = record.Font.Width > 0 && record.Font.Height > 0;
+  const CellLimits picture = fontHasCells ? cellsOfPicture(record) : CellLimits{};
+  const auto larger = [](Int text, Int pictureCells) {
+    return std::clamp<Int>(std::max(text, pictureCells), 0, LargestCellNumber);
+  };
+  return {larger(record.TextWidth, picture.columns), larger(record.TextHeight, picture.lines)};
+}
+
 void t_PrintSymbol(UInt8 window, UInt8 character, UInt8 color, Int column, Int line) {
   if (window > 7) {
     logLine("t_PrintSymbol: Window is not a graphic window.");
@@ -281,7 +308,7 @@ void t_PrintSymbol(UInt8 window, UInt8 character, UInt8 color, Int column, Int l
   if (record.TextInverse) std::swap(foreground, background);
   const auto colours = static_cast<UInt8>(foreground * 16 + background);
   const t_Font& font = record.Font;
-  if (!cellInPicture(record, font, column, line)) {
+  if (!cellInPicture(record, column, line)) {
     logLine("t_PrintSymbol: Window #", window, " illegal coordinates (x = ", column, ", y = ", line,
             ").");
     return;

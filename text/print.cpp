@@ -4,12 +4,14 @@
 // video; redirection of a window's output; title lines and separator lines; and the control-S
 // pause of output. Every character is drawn by t_PrintSymbol at the cursor, which then moves on
 // with t_CursorRight (wrapping and scrolling); colours go through t_Color and t_ColorBorder.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
 #include "runtime/threads.hpp"
@@ -17,6 +19,7 @@
 #include "rvtools/display.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
+#include "text/cells.hpp"
 
 namespace rvtools {
 namespace {
@@ -44,11 +47,16 @@ Int foldedCase(Int code) {
   return code;
 }
 
+// The columns from the area's first column to the end of the text memory's line.
+Int columnsFromAreaStart(const t_Window& record) {
+  return inclusiveCount(record.TextFirstColumn, record.TextWidth);
+}
+
 // A tab stop of the escape: to the tab stop when it lies inside the text memory's width,
 // otherwise the rest of the line is cleared and the cursor goes to the next line.
 void escapeTab(UInt8 window, const t_Window& record, Int every) {
-  const Int stop = record.TextHpos / every * every + every + 1;
-  if (record.TextWidth - record.TextFirstColumn + 1 < stop) {
+  const Int stop = saturatingSum(record.TextHpos / every * every, every + 1);
+  if (columnsFromAreaStart(record) < stop) {
     t_ClearEndOfLine(window);
     t_Cr(window);
   } else {
@@ -73,7 +81,7 @@ void applyEscape(UInt8 window, t_Window& record, Int code, t_DisplayedCharacter&
   } else if (c == 101) {
     t_CursorEnd(window);
   } else if (c == 102) {
-    t_Htab(window, record.TextWidth - record.TextFirstColumn + 1);
+    t_Htab(window, columnsFromAreaStart(record));
   } else if (c <= 107) {
     escapeTab(window, record, c == 105 ? 10 : c == 106 ? 20 : 40);
   } else {
@@ -223,13 +231,13 @@ bool drawing(const t_Window& record) {
 // ---------------------------------------------------------------------------------------------
 // Lines
 
-// Draws the code from column first to column last on the line in the window's colour.
+// Draws the code from column first to column last on the line in the window's colour; of the
+// columns beyond the window only the first is drawn, and refused.
 void drawHline(UInt8 window, const t_Window& record, Int first, Int last, Int line, UInt8 code) {
-  if (first > last) return;
-  for (Int column = first;; ++column) {
-    t_PrintSymbol(window, code, record.TextColor, column, line);
-    if (column == last) break;
-  }
+  const UInt8 color = record.TextColor;
+  CellRuns(record).row(first, last, line, [window, code, color](Int column, Int row) {
+    t_PrintSymbol(window, code, color, column, row);
+  });
 }
 
 // The title line of t_Header: exactly `width` characters, left and right text apart, or both
@@ -343,8 +351,10 @@ void t_Header(UInt8 window, const std::string& left, const std::string& right) {
   t_Window* record = checkedWindow("t_Header", window, Needs::TextMemory);
   if (record == nullptr) return;
   const UInt8 color = record->TextColor;
-  std::vector<char32_t> line =
-      headerLine(left, right, record->TextLastColumn - record->TextFirstColumn + 1);
+  // A title is as wide as the text area, but never wider than the cells a line can have.
+  const Int width = std::min(inclusiveCount(record->TextFirstColumn, record->TextLastColumn),
+                             cellLimits(*record).columns);
+  std::vector<char32_t> line = headerLine(left, right, width);
   // The last character is drawn without moving the cursor, so a title as wide as the area
   // neither wraps nor scrolls. An empty line (an area without columns) draws nothing.
   if (!line.empty()) {
@@ -353,7 +363,7 @@ void t_Header(UInt8 window, const std::string& left, const std::string& right) {
     t_Print(window, joinedUtf8(line));
     t_PrintSymbol(window, codeOf(last), color, record->TextHpos, record->TextVpos);
   }
-  if (record->TextLastLine - record->TextFirstLine + 1 > 1) {
+  if (inclusiveCount(record->TextFirstLine, record->TextLastLine) > 1) {
     t_Cr(window);
   } else {
     t_Htab(window, 1);
