@@ -7,8 +7,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <new>
 
 #include "rvtools/platform.hpp"
 
@@ -16,11 +18,15 @@ namespace rvtools {
 namespace {
 
 constexpr std::size_t ReadChunkSize = 1 << 16;
+// The most that is set aside before reading; a file that is larger (or claims to be, as a
+// sparse file may) grows the buffer as it is read.
+constexpr std::size_t LargestReservation = std::size_t{64} << 20;
 
-// Reads until the end of the file; false on a read error.
-bool readToEnd(int descriptor, std::vector<UInt8>& bytes) {
+// Reads until the end of the file; false on a read error or past `limit` bytes.
+bool readToEnd(int descriptor, std::vector<UInt8>& bytes, std::size_t limit) {
   for (;;) {
     const std::size_t used = bytes.size();
+    if (used > limit) return false;
     bytes.resize(used + ReadChunkSize);
     const ssize_t count = read(descriptor, bytes.data() + used, ReadChunkSize);
     bytes.resize(used + (count > 0 ? static_cast<std::size_t>(count) : 0));
@@ -31,7 +37,7 @@ bool readToEnd(int descriptor, std::vector<UInt8>& bytes) {
 
 }  // namespace
 
-std::vector<UInt8> readWholeFile(const std::string& path) {
+std::vector<UInt8> readWholeFile(const std::string& path, std::size_t limit) {
   // Non-blocking, so that opening a named pipe without a writer returns at once.
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) return {};
@@ -40,8 +46,14 @@ std::vector<UInt8> readWholeFile(const std::string& path) {
   bool complete = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
   if (complete) {
     // The size is a hint only: the file may change while it is read.
-    bytes.reserve(static_cast<std::size_t>(status.st_size) + ReadChunkSize);
-    complete = readToEnd(descriptor, bytes);
+    const auto size = static_cast<std::size_t>(status.st_size);
+    bytes.reserve(std::min({size, limit, LargestReservation}) + ReadChunkSize);
+    // A file larger than the memory the process can have is no file it can read.
+    try {
+      complete = readToEnd(descriptor, bytes, limit);
+    } catch (const std::bad_alloc&) {
+      complete = false;
+    }
   }
   close(descriptor);
   if (!complete) return {};

@@ -3,6 +3,8 @@
 // public (rvtools/platform.hpp), since every host names its windows and sounds after it.
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -10,8 +12,9 @@
 
 namespace rvtools {
 
-// The bytes of the regular file at `path`; empty when it is missing, unreadable, empty or no
-// regular file. Logs nothing.
-std::vector<UInt8> readWholeFile(const std::string& path);
+// The bytes of the regular file at `path`; empty when it is missing, unreadable, empty, no
+// regular file, or longer than `limit` bytes. Logs nothing.
+std::vector<UInt8> readWholeFile(const std::string& path,
+                                 std::size_t limit = std::numeric_limits<std::size_t>::max());
 
 }  // namespace rvtools

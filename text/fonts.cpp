@@ -16,6 +16,11 @@
 namespace rvtools {
 namespace {
 
+// Larger than any font file: 256 glyphs of at most 255 x 255 grey bytes are under 17 MiB, and
+// compressed they are smaller still. A name that leads elsewhere (a file of endless size such
+// as one of /proc, a huge file) is refused as "could not load" without reading it all.
+constexpr std::size_t LargestFontFile = std::size_t{64} << 20;
+
 constexpr UInt8 FontIdentifier[4] = {'r', 'v', 'f', 'n'};
 constexpr Int UncompressedFormat = 0;
 constexpr Int GreyFormat = 2;
@@ -183,7 +188,7 @@ t_Font parseFontResource(const std::vector<UInt8>& bytes, const std::string& fil
 
 t_Font t_LoadFontResource(const std::string& fileName) {
   const std::string path = host().bundlePath() + "/Contents/Resources/" + fileName;
-  return parseFontResource(readWholeFile(path), fileName);
+  return parseFontResource(readWholeFile(path, LargestFontFile), fileName);
 }
 
 t_Font EmptyFont() {
