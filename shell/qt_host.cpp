@@ -84,11 +84,13 @@ class InterfaceCallEvent final : public QEvent {
   std::atomic<InterfaceCall*> call_{nullptr};
 };
 
-// Receives the calls on the GUI thread; created there on first use and never destroyed.
+// Receives the calls on the GUI thread; created there on first use and never destroyed. Only
+// this file posts to it, so every custom event it gets is an InterfaceCallEvent; the event's
+// fields are read only after the acquiring load of its call, which a thread checker can follow
+// (Qt hands the event over under locks of its own).
 class InterfaceCallReceiver final : public QObject {
  protected:
   void customEvent(QEvent* event) override {
-    if (event->type() != InterfaceCallEvent::Type) return;
     InterfaceCall* call = static_cast<InterfaceCallEvent*>(event)->call();
     (*call->work)();
     std::lock_guard lock(call->mutex);

@@ -3,7 +3,6 @@
 // waiting for the GUI thread to show the picture, so that the quit always meets a busy program
 // thread.
 #include <QCoreApplication>
-#include <QMetaObject>
 #include <string>
 
 #include "rvtools/rvtools.hpp"
@@ -21,9 +20,9 @@ int main(int argc, char** argv) {
       t_WindowUpdate(0, false);
       if (round == 0) {
         t_Log("Probe: printed and drawn.");
-        // As File > Quit does: the event loop ends without asking the windows to close.
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+        // As File > Quit does: the event loop ends without asking the windows to close. The
+        // host's hand-over to the GUI thread is one a thread checker can follow.
+        host().runOnInterfaceThread([] { QCoreApplication::exit(0); });
       }
     }
   });
