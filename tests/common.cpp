@@ -1,6 +1,11 @@
-// Test helpers: a fresh runtime per test and screens rendered as strings.
+// Test helpers: a fresh runtime per test, screens rendered as strings, folders, PNG files and a
+// full disk.
 #include "common.hpp"
 
+#include <png.h>
+#include <sys/resource.h>
+
+#include <csignal>
 #include <mutex>
 #include <sstream>
 
@@ -19,11 +24,8 @@ HeadlessHost& testHost() {
   return *host;
 }
 
-void RuntimeTest::SetUp() {
-  setHost(testHost());
-  for (UInt8 n = 0; n < 8; ++n) testHost().setViewPresent(n, true);
-  // The refresh thread stops and starts again as tests renew the memory; its own lines come
-  // at moments no test controls, so they stay out of the captured log.
+void startFreshRuntime(Host& host) {
+  setHost(host);
   setLogSink([](std::string_view text) {
     if (text.starts_with("t_WindowAutoUpdateProcess: ")) return;
     std::lock_guard lock(logMutex);
@@ -40,25 +42,30 @@ void RuntimeTest::SetUp() {
   clearLog();
 }
 
-void RuntimeTest::TearDown() {
-  setLogSink({});
-}
-
-std::vector<std::string> RuntimeTest::logLines() const {
-  std::vector<std::string> lines;
+Lines logLines() {
+  Lines lines;
   std::istringstream text(logText());
   for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
 }
 
-std::string RuntimeTest::logText() const {
+std::string logText() {
   std::lock_guard lock(logMutex);
   return capturedLog;
 }
 
-void RuntimeTest::clearLog() {
+void clearLog() {
   std::lock_guard lock(logMutex);
   capturedLog.clear();
+}
+
+void RuntimeTest::SetUp() {
+  for (UInt8 n = 0; n < 8; ++n) testHost().setViewPresent(n, true);
+  startFreshRuntime(testHost());
+}
+
+void RuntimeTest::TearDown() {
+  setLogSink({});
 }
 
 void RuntimeTest::initTextWindow(UInt8 window, Int depth, Int columns, Int lines) {
@@ -103,6 +110,59 @@ std::string screenColors(UInt8 window) {
 std::vector<UInt8> pictureBytes(UInt8 window) {
   const t_Window& record = Windows[window];
   return {VideoMemory.begin() + record.MemoryStart, VideoMemory.begin() + record.MemoryEnd + 1};
+}
+
+Position cursorOf(UInt8 window) {
+  return {Windows[window].TextHpos, Windows[window].TextVpos};
+}
+
+t_Event keyEvent(Int value) {
+  t_Event event;
+  event.Kind = 1;
+  event.Value = value;
+  return event;
+}
+
+TestFolder::TestFolder(const std::string& prefix) {
+  const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+  folder_ = std::filesystem::path(::testing::TempDir()) / (prefix + test);
+  std::filesystem::remove_all(folder_);
+  std::filesystem::create_directories(folder_);
+}
+
+TestFolder::~TestFolder() {
+  std::filesystem::remove_all(folder_);
+}
+
+std::vector<std::string> TestFolder::files() const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    names.push_back(entry.path().filename().string());
+  }
+  return names;
+}
+
+std::vector<UInt8> readPng(const std::string& path, Int* width, Int* height) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (!png_image_begin_read_from_file(&image, path.c_str())) return {};
+  image.format = PNG_FORMAT_ARGB;
+  std::vector<UInt8> pixels(PNG_IMAGE_SIZE(image));
+  if (!png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr)) return {};
+  if (width != nullptr) *width = image.width;
+  if (height != nullptr) *height = image.height;
+  return pixels;
+}
+
+void withFileSizeLimit(std::size_t bytes, const std::function<void()>& work) {
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit small{bytes, limit.rlim_max};
+  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  work();
+  setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, previous);
 }
 
 }  // namespace rvtools::testing

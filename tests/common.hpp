@@ -1,11 +1,13 @@
-// Test helpers: a fixture that gives every test a fresh runtime on the headless host with the
-// log captured, and renderings of a window's text memory as strings, so that a test compares a
-// whole screen in one assertion.
+// Test helpers: a fresh runtime with the log captured, screens as strings so that a test compares
+// a whole screen at once, a folder of each test's own, PNG files read back and a full disk.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "rvtools/headless.hpp"
@@ -13,21 +15,25 @@
 
 namespace rvtools::testing {
 
+using Lines = std::vector<std::string>;
+using Position = std::pair<Int, Int>;
+
 // The headless host of the test binary, created once.
 HeadlessHost& testHost();
 
+// Installs `host`, captures the log (the refresh thread's own lines, which come at moments no
+// test controls, left out) and creates fresh video memory, window records and queues.
+void startFreshRuntime(Host& host);
+// The lines logged since the runtime started (or since clearLog), without line ends.
+Lines logLines();
+// Everything logged since then, exactly as written.
+std::string logText();
+void clearLog();
+
 class RuntimeTest : public ::testing::Test {
  protected:
-  // Installs the host, captures the log and creates fresh video memory and window records.
   void SetUp() override;
   void TearDown() override;
-
-  // The lines logged since the test started (or since clearLog), without line ends.
-  std::vector<std::string> logLines() const;
-  // Everything logged since the test started, exactly as written.
-  std::string logText() const;
-  void clearLog();
-
   // Initialises window `window` with `columns` x `lines` cells of the bold 16 x 32 font.
   void initTextWindow(UInt8 window, Int depth, Int columns, Int lines);
 };
@@ -39,5 +45,25 @@ std::string screenText(UInt8 window);
 std::string screenColors(UInt8 window);
 // The bytes of the graphic memory of a window.
 std::vector<UInt8> pictureBytes(UInt8 window);
+Position cursorOf(UInt8 window);
+// A key event of that value, as the key handler queues it.
+t_Event keyEvent(Int value);
+
+// A folder of the running test's own (ctest runs tests side by side), removed at its end.
+class TestFolder {
+ public:
+  explicit TestFolder(const std::string& prefix);
+  ~TestFolder();
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::vector<std::string> files() const;
+
+ private:
+  std::filesystem::path folder_;
+};
+
+// The pixels of a PNG file as bytes A, R, G, B, read with libpng; empty when it cannot be read.
+std::vector<UInt8> readPng(const std::string& path, Int* width = nullptr, Int* height = nullptr);
+// Runs `work` with files limited to `bytes`, as a disk that fills up would.
+void withFileSizeLimit(std::size_t bytes, const std::function<void()>& work);
 
 }  // namespace rvtools::testing

@@ -1,13 +1,5 @@
-// libFuzzer target for the font loader: any file contents must parse without a crash, an
-// out-of-bounds access or a hang, into a record that keeps the loader's promises. Expanded
-// glyph data must survive compression and expansion unchanged, and so must the input itself
-// when it is taken as glyph data.
-//
-//   cmake -S . -B build-fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++-14 \
-//         -DCMAKE_C_COMPILER=clang-14 -DRVTOOLS_FUZZ=ON
-//   ninja -C build-fuzz rvtools_fuzz_font_loader
-//   build-fuzz/RvtoolsFuzz.app/Contents/MacOS/rvtools_fuzz_font_loader -max_total_time=30 \
-//         corpus/ build-fuzz/resources/
+// libFuzzer target for the font loader: any file parses without a crash, out-of-bounds access or
+// hang into a record that keeps the loader's promises; glyph data survives compression whole.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

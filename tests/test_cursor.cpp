@@ -1,7 +1,5 @@
-// Cursor movement, scrolling and clearing, and the cursor display: whole screens after wrapping,
-// scrolling and clearing; the block-moving scroll and the cell-redrawing scroll giving the same
-// pixels; the guards against a cursor beyond the last column and a tampered record; the
-// cursor's nesting level.
+// Cursor movement, scrolling, clearing and the cursor display: whole screens, both scroll methods
+// giving the same pixels, and the guards against a cursor or a record beyond the window.
 #include <limits>
 #include <string>
 #include <string_view>
@@ -11,8 +9,6 @@
 
 namespace rvtools::testing {
 namespace {
-
-using Position = std::pair<Int, Int>;
 
 class CursorTest : public RuntimeTest {
  protected:
@@ -34,10 +30,6 @@ std::string screen(std::size_t width, std::initializer_list<std::string_view> li
     text.append(line).append(width - line.size(), ' ') += '\n';
   }
   return text;
-}
-
-Position cursorOf(UInt8 window) {
-  return {Windows[window].TextHpos, Windows[window].TextVpos};
 }
 
 // The window's picture, without the slack at the end of its block.
@@ -87,7 +79,6 @@ TEST_F(CursorTest, SingleLineAndInverseAreasScrollByBlankingTheFreedLine) {
   Windows[0].TextFirstColumn = 2;
   t_ScrollDown(0);
   EXPECT_EQ(screenText(0), screen(3, {"xyz", "x", "xyz"}));
-
   // In inverse, the freed line is blank in inverse colours, moved cells keep theirs.
   initBlankWindow(0, 24, 4, 3);
   write(0, 1, 1, "abcd", 0x12);
@@ -210,7 +201,6 @@ TEST_F(CursorTest, CursorAndAreaAtTheEndsOfTheIntRangeStayInsideTheWindow) {
   record.TextCursorLevel = Smallest;
   t_CursorOff(0);
   EXPECT_EQ(record.TextCursorLevel, Smallest);
-
   // An area far beyond the window: clearing and scrolling go over the window's cells only and
   // refuse the first cell beyond it, once per call.
   for (Int line = 1; line <= 3; ++line) write(0, 1, line, "abcd");
@@ -222,10 +212,9 @@ TEST_F(CursorTest, CursorAndAreaAtTheEndsOfTheIntRangeStayInsideTheWindow) {
   record.TextVpos = Largest;
   t_CursorDown(0);
   EXPECT_EQ(record.TextVpos, Largest - 1);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = 5, y = 1).",
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = 1, y = "
-                            "1099511627776)."}));
+  EXPECT_EQ(logLines(), (Lines{"t_PrintSymbol: Window #0 illegal coordinates (x = 5, y = 1).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 1, y = "
+                               "1099511627776)."}));
 }
 
 TEST_F(CursorTest, CursorDisplayNestsAndUndoesItself) {
@@ -254,10 +243,10 @@ TEST_F(CursorTest, CursorDisplayNestsAndUndoesItself) {
   t_CursorDraw(8);
   t_Cr(2);
   EXPECT_EQ(Windows[1].TextCursorLevel, 0);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_CursorOn: Window is not a graphic window.",
-                                                  "t_CursorOff: Window #1 not initialized.",
-                                                  "t_CursorDraw: Window is not a graphic window.",
-                                                  "t_Cr: Window #2 not initialized."}));
+  EXPECT_EQ(logLines(), (Lines{"t_CursorOn: Window is not a graphic window.",
+                               "t_CursorOff: Window #1 not initialized.",
+                               "t_CursorDraw: Window is not a graphic window.",
+                               "t_Cr: Window #2 not initialized."}));
 }
 
 }  // namespace

@@ -55,7 +55,6 @@ TEST(FontExpansion, DecodesCodesMostSignificantBitFirstAndRefusesCorruptStreams)
   std::vector<UInt8> stream = codeStream(9, {65, 66, 67, 68});
   stream.back() |= 0x0F;
   EXPECT_EQ(expandGlyphData(stream), (std::vector<UInt8>{'A', 'B', 'C', 'D'}));
-
   // Corrupt streams expand to nothing.
   EXPECT_EQ(expanded(9, {65, 257}), "");  // beyond the dictionary
   EXPECT_EQ(expanded(9, {65, 66, 300}), "");
@@ -87,9 +86,8 @@ TEST_F(FontTest, RefusesUnreadableFilesAndBadHeaders) {
   EXPECT_TRUE(missing.Data.empty());
   EXPECT_EQ(missing.HeaderSize, 16);
   t_LoadFontResource("");  // the resources folder itself
-  EXPECT_EQ(logLines(),
-            (std::vector<std::string>{"t_LoadFontResource: Could not load file „No Such 8x8.font“",
-                                      "t_LoadFontResource: Could not load file „“"}));
+  EXPECT_EQ(logLines(), (Lines{"t_LoadFontResource: Could not load file „No Such 8x8.font“",
+                               "t_LoadFontResource: Could not load file „“"}));
 
   clearLog();
   std::vector<UInt8> file = fontFile(2, {});
@@ -104,9 +102,9 @@ TEST_F(FontTest, RefusesUnreadableFilesAndBadHeaders) {
   EXPECT_EQ(foreign.Identifier, (std::vector<UInt8>{'r', 'v', 'f', 'N'}));
   EXPECT_EQ(foreign.Format, 0);
   EXPECT_TRUE(foreign.Data.empty());
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_LoadFontResource: Invalid header size",
-                                                  "t_LoadFontResource: Invalid header size",
-                                                  "t_LoadFontResource: Invalid file type"}));
+  EXPECT_EQ(logLines(), (Lines{"t_LoadFontResource: Invalid header size",
+                               "t_LoadFontResource: Invalid header size",
+                               "t_LoadFontResource: Invalid file type"}));
 }
 
 TEST_F(FontTest, ReadsHeaderFieldsAndConvertsCompressedFormats) {
@@ -190,8 +188,8 @@ TEST_F(FontTest, WindowFontReplacesOnlyAnInitialisedWindowsFont) {
   const t_Font regular = t_LoadFontResource("MenloRegular 16x32.font");
   t_WindowFont(8, regular);
   t_WindowFont(3, regular);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_WindowFont: Window is not a graphic window.",
-                                                  "t_WindowFont: Window #3 not initialized."}));
+  EXPECT_EQ(logLines(), (Lines{"t_WindowFont: Window is not a graphic window.",
+                               "t_WindowFont: Window #3 not initialized."}));
 
   initTextWindow(0, 8, 4, 2);
   t_WindowFont(0, regular);

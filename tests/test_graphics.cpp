@@ -1,6 +1,5 @@
-// Low-resolution graphics: colour blocks and quarter blocks in the text cells, the plot modes
-// and offsets, clipping, reading points back, the text areas, inverting cells, reading the
-// screen as text and the refusals of every operation.
+// Low-resolution graphics in the text cells: plot modes, offsets, clipping, reading points back,
+// the text areas, inverting cells, reading the screen as text, and refusals.
 #include <climits>
 
 #include "common.hpp"
@@ -30,7 +29,8 @@ class GraphicsTest : public RuntimeTest {
 
 const std::string BlankColours = "00 00 00 00 00 00\n00 00 00 00 00 00\n00 00 00 00 00 00\n";
 
-TEST_F(GraphicsTest, ColourBlocksHoldTwoPointsACell) {
+// Two points a cell; off the grid, points are clipped silently.
+TEST_F(GraphicsTest, ColourBlocksHoldTwoPointsACellAndClipSilently) {
   t_Plot(0, 0, 0);
   t_Plot(0, 0, 1);
   t_Plot(0, 5, 5);  // the lower point of the last cell
@@ -39,12 +39,10 @@ TEST_F(GraphicsTest, ColourBlocksHoldTwoPointsACell) {
   EXPECT_EQ(screenText(0), ".     \n      \n     .\n");
   EXPECT_EQ(screenColors(0), "DD 00 00 00 00 00\n00 00 00 00 00 00\n00 00 00 00 00 AD\n");
   EXPECT_EQ((std::vector<Int>{t_Scrn(0, 0, 0), t_Scrn(0, 0, 1), t_Scrn(0, 5, 4), t_Scrn(0, 5, 5),
-                              t_Scrn(0, 1, 0)}),
-            (std::vector<Int>{13, 13, 10, 13, 0}));
-  EXPECT_TRUE(logLines().empty());
-}
+                              t_Scrn(0, 1, 0), t_Scrn(0, 6, 0), t_Scrn(0, 0, 6), t_Scrn(0, -1, 0)}),
+            (std::vector<Int>{13, 13, 10, 13, 0, -1, -1, -1}));
 
-TEST_F(GraphicsTest, PointsOffTheGridAreClippedSilently) {
+  fill(' ', 0x00);
   t_Plot(0, 6, 0);  // x = TextWidth
   t_Plot(0, 0, 6);  // y = 2 x TextHeight
   t_Plot(0, -1, 0);
@@ -62,10 +60,6 @@ TEST_F(GraphicsTest, PointsOffTheGridAreClippedSilently) {
   EXPECT_EQ(t_Scrn(0, 1, -1), -1);
   EXPECT_EQ(screenColors(0), BlankColours);
   EXPECT_EQ(screenText(0), "      \n      \n      \n");
-
-  t_LoResOffset(0, 0, 0);
-  EXPECT_EQ((std::vector<Int>{t_Scrn(0, 6, 0), t_Scrn(0, 0, 6), t_Scrn(0, -1, 0)}),
-            (std::vector<Int>{-1, -1, -1}));
   EXPECT_TRUE(logLines().empty());
 }
 
@@ -83,6 +77,13 @@ TEST_F(GraphicsTest, WideAndLargeModesAndOffsets) {
   EXPECT_EQ(t_Scrn(0, 0, 0), 11);
   EXPECT_EQ(screenColors(0), "00 00 00 00 00 00\n00 B0 DD DD 00 00\n00 00 00 00 0B 0B\n");
   EXPECT_EQ(screenText(0), "      \n ...  \n    ..\n");
+  // A pattern's points count scalars and skip blanks.
+  fill(' ', 0x00);
+  t_LoResOffset(0, 0, 0);
+  Windows[0].TextColor = 0xD0;
+  t_PlotString(0, 1, 0, "\xC3\xA9 *\t!");  // é, blank, *, tab, !
+  t_PlotString(0, 0, 2, "");
+  EXPECT_EQ(screenColors(0), "00 D0 00 D0 00 D0\n00 00 00 00 00 00\n00 00 00 00 00 00\n");
 }
 
 TEST_F(GraphicsTest, QuarterBlocksBuildAndClearACellAndRecolourOtherSymbols) {
@@ -95,19 +96,18 @@ TEST_F(GraphicsTest, QuarterBlocksBuildAndClearACellAndRecolourOtherSymbols) {
     }
   }
   EXPECT_EQ(codes, (std::vector<int>{7, 3, 1, 0, 8, 12, 14, 32}));
-  EXPECT_EQ(logLines(), (std::vector<std::string>{
-                            "t_PlotHalfSize: PixelByte = 20, x = 0, y = 0, Plot position 0",
-                            "t_PlotHalfSize: PixelByte = 07, x = 1, y = 0, Plot position 1",
-                            "t_PlotHalfSize: PixelByte = 03, x = 0, y = 1, Plot position 2",
-                            "t_PlotHalfSize: PixelByte = 01, x = 1, y = 1, Plot position 3",
-                            "t_PlotHalfSize: PixelByte = 00, x = 0, y = 0, Plot position 0",
-                            "t_PlotHalfSize: PixelByte = 08, x = 1, y = 0, Plot position 1",
-                            "t_PlotHalfSize: PixelByte = 0C, x = 0, y = 1, Plot position 2",
-                            "t_PlotHalfSize: PixelByte = 0E, x = 1, y = 1, Plot position 3"}));
+  const std::string plotted = "t_PlotHalfSize: PixelByte = ";
+  EXPECT_EQ(logLines(), (Lines{plotted + "20, x = 0, y = 0, Plot position 0",
+                               plotted + "07, x = 1, y = 0, Plot position 1",
+                               plotted + "03, x = 0, y = 1, Plot position 2",
+                               plotted + "01, x = 1, y = 1, Plot position 3",
+                               plotted + "00, x = 0, y = 0, Plot position 0",
+                               plotted + "08, x = 1, y = 0, Plot position 1",
+                               plotted + "0C, x = 0, y = 1, Plot position 2",
+                               plotted + "0E, x = 1, y = 1, Plot position 3"}));
   clearLog();
   EXPECT_EQ(t_Scrn(0, 0, 0), -1);  // quarter blocks cannot be read back
   EXPECT_TRUE(logLines().empty());
-
   // Plots keep symbols other than quarter blocks, but recolour their cells.
   t_PrintSymbol(0, 'A', 0x12, 1, 1);
   t_PrintSymbol(0, 0, 0x12, 2, 1);   // all four quarters: setting changes nothing
@@ -120,21 +120,13 @@ TEST_F(GraphicsTest, QuarterBlocksBuildAndClearACellAndRecolourOtherSymbols) {
   t_PlotHalfSize(0, 7, 0, false);
   t_PlotHalfSize(0, 8, 0, false);  // a blank stays blank
   EXPECT_EQ(screenText(0), "A..B  \n      \n      \n");
-  EXPECT_EQ(codeAt(2, 1), 0);
-  EXPECT_EQ(codeAt(3, 1), 15);
+  EXPECT_EQ(Position(codeAt(2, 1), codeAt(3, 1)), Position(0, 15));
   EXPECT_EQ(screenColors(0), "C5 C5 C5 C5 C5 00\n00 00 00 00 00 00\n00 00 00 00 00 00\n");
-  EXPECT_EQ(logLines(), (std::vector<std::string>{
-                            "t_PlotHalfSize: PixelByte = 41, x = 1, y = 1, Plot position 3",
-                            "t_PlotHalfSize: PixelByte = 00, x = 2, y = 0, Plot position 0",
-                            "t_PlotHalfSize: PixelByte = 0F, x = 4, y = 1, Plot position 2",
-                            "t_PlotHalfSize: PixelByte = 42, x = 7, y = 0, Plot position 1",
-                            "t_PlotHalfSize: PixelByte = 20, x = 8, y = 0, Plot position 0"}));
-}
-
-TEST_F(GraphicsTest, PlotStringCountsScalarsAndSkipsBlanks) {
-  t_PlotString(0, 1, 0, "\xC3\xA9 *\t!");  // é, blank, *, tab, !
-  t_PlotString(0, 0, 2, "");
-  EXPECT_EQ(screenColors(0), "00 D0 00 D0 00 D0\n00 00 00 00 00 00\n00 00 00 00 00 00\n");
+  EXPECT_EQ(logLines(), (Lines{plotted + "41, x = 1, y = 1, Plot position 3",
+                               plotted + "00, x = 2, y = 0, Plot position 0",
+                               plotted + "0F, x = 4, y = 1, Plot position 2",
+                               plotted + "42, x = 7, y = 0, Plot position 1",
+                               plotted + "20, x = 8, y = 0, Plot position 0"}));
 }
 
 TEST_F(GraphicsTest, GraphicSetsTheAreaAndBlanksEveryCell) {
@@ -143,15 +135,14 @@ TEST_F(GraphicsTest, GraphicSetsTheAreaAndBlanksEveryCell) {
   Windows[1].TextHpos = 3;
   Windows[1].TextVpos = 7;
   t_Graphic(1, false);
-  EXPECT_EQ((std::vector<Int>{Windows[1].TextFirstColumn, Windows[1].TextLastColumn,
-                              Windows[1].TextFirstLine, Windows[1].TextLastLine,
-                              Windows[1].TextHpos, Windows[1].TextVpos}),
+  const t_Window& record = Windows[1];
+  EXPECT_EQ((std::vector<Int>{record.TextFirstColumn, record.TextLastColumn, record.TextFirstLine,
+                              record.TextLastLine, record.TextHpos, record.TextVpos}),
             (std::vector<Int>{1, 8, 20, 24, 3, 7}));
   EXPECT_EQ(t_GetScreen(1, ""), std::string(8 * 24, '\x03'));
   EXPECT_EQ(screenColors(1).find_first_not_of("0 \n"), std::string::npos);  // black on black
   t_Graphic(1, true);
-  EXPECT_EQ((std::vector<Int>{Windows[1].TextFirstLine, Windows[1].TextLastLine}),
-            (std::vector<Int>{1, 24}));
+  EXPECT_EQ(Position(record.TextFirstLine, record.TextLastLine), Position(1, 24));
   EXPECT_TRUE(logLines().empty());
 }
 
@@ -173,28 +164,25 @@ TEST_F(GraphicsTest, InvertRectRedrawsCellsInverseWithinTheScreenOnly) {
   EXPECT_TRUE(logLines().empty());
 }
 
-TEST_F(GraphicsTest, GetScreenTrimsBlanksBeforeEveryCarriageReturn) {
+// t_GetScreen trims blanks before every carriage return. As Unicode, code 13, a quarter block,
+// is no line end, and code 156 is the rule of t_TextLine.
+TEST_F(GraphicsTest, ScreenTextAsCodesAndAsUnicodeShowsWhatTheFontsDraw) {
   t_PrintSymbol(0, 'A', 0xF0, 1, 1);
   t_PrintSymbol(0, 'B', 0xF0, 2, 1);
   t_PrintSymbol(0, 0xE9, 0xF0, 2, 3);
-  EXPECT_EQ(t_GetScreen(0, "\r"), "AB\r\r \xC3\xA9\r");
-  EXPECT_EQ(t_GetScreen(0, ""), "AB           \xC3\xA9    ");
-  EXPECT_EQ(t_GetScreen(0, "\n"), "AB    \n      \n \xC3\xA9    \n");
-  EXPECT_EQ(t_GetScreen(0, "  \r\n"), "AB\r\n\r\n \xC3\xA9\r\n");
-}
+  EXPECT_EQ((Lines{t_GetScreen(0, "\r"), t_GetScreen(0, ""), t_GetScreen(0, "\n"),
+                   t_GetScreen(0, "  \r\n")}),
+            (Lines{"AB\r\r \xC3\xA9\r", "AB           \xC3\xA9    ",
+                   "AB    \n      \n \xC3\xA9    \n", "AB\r\n\r\n \xC3\xA9\r\n"}));
 
-// Code 13, a quarter block, is no line end here; code 156 is the rule of t_TextLine.
-TEST_F(GraphicsTest, ScreenTextAsUnicodeShowsWhatTheFontsDraw) {
-  t_PrintSymbol(0, 'A', 0xF0, 1, 1);
   t_PrintSymbol(0, 13, 0xF0, 2, 1);
   t_PrintSymbol(0, 3, 0xF0, 3, 1);
   t_PrintSymbol(0, 156, 0xF0, 1, 2);
-  t_PrintSymbol(0, 0xE9, 0xF0, 2, 3);
   t_PrintSymbol(0, 0xA4, 0xF0, 3, 3);
   EXPECT_EQ(unicodeScreenText(0), "A▖▀\n─\n é€\n");
   EXPECT_EQ(unicodeOfFontCodes("\x0D\xC2\x9C\xC2\xA4 \xE2\x82\xAC"), "▖─€ €");
   EXPECT_EQ(unicodeScreenText(5), "");
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_GetScreen: Window #5 not initialized."}));
+  EXPECT_EQ(logLines(), (Lines{"t_GetScreen: Window #5 not initialized."}));
 }
 
 TEST_F(GraphicsTest, RefusalsNameTheOperation) {
@@ -203,8 +191,7 @@ TEST_F(GraphicsTest, RefusalsNameTheOperation) {
   t_FullArea(3);
   t_MixedArea(3);
   t_LoResOffset(3, 5, -7);
-  EXPECT_EQ((std::vector<Int>{Windows[3].LoResOffsetX, Windows[3].LoResOffsetY}),
-            (std::vector<Int>{5, -7}));
+  EXPECT_EQ(Position(Windows[3].LoResOffsetX, Windows[3].LoResOffsetY), Position(5, -7));
   t_Plot(3, 0, 0);
   t_Graphic(3, true);
   t_PlotHalfSize(3, 0, 0, true);
@@ -219,16 +206,15 @@ TEST_F(GraphicsTest, RefusalsNameTheOperation) {
   Windows[0].LoResMode = 4;
   t_Plot(0, 0, 0);
   EXPECT_EQ(t_Scrn(0, 0, 0), -1);
+  const std::string notGraphic = "Window is not a graphic window.";
   EXPECT_EQ(
       logLines(),
-      (std::vector<std::string>{
-          "t_Plot: Window #3 not initialized.", "t_Graphic: Window #3 not initialized.",
-          "t_PlotHalfSize: Window #3 not initialized.", "t_Scrn: Window #3 not initialized.",
-          "t_InvertRect: Window #3 not initialized.", "t_GetScreen: Window #3 not initialized.",
-          "t_CursorOff: Window #2 not initialized.", "t_CursorOff: Window is not a graphic window.",
-          "t_MixedArea: Window #2 not initialized.", "t_Plot: Window is not a graphic window.",
-          "t_Plot: Window is not a graphic window.", "t_Plot: Window is not a graphic window.",
-          "t_Plot: Illegal graphic mode."}));
+      (Lines{"t_Plot: Window #3 not initialized.", "t_Graphic: Window #3 not initialized.",
+             "t_PlotHalfSize: Window #3 not initialized.", "t_Scrn: Window #3 not initialized.",
+             "t_InvertRect: Window #3 not initialized.", "t_GetScreen: Window #3 not initialized.",
+             "t_CursorOff: Window #2 not initialized.", "t_CursorOff: " + notGraphic,
+             "t_MixedArea: Window #2 not initialized.", "t_Plot: " + notGraphic,
+             "t_Plot: " + notGraphic, "t_Plot: " + notGraphic, "t_Plot: Illegal graphic mode."}));
   EXPECT_EQ(screenColors(0), BlankColours);
 }
 

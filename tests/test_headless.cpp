@@ -1,9 +1,5 @@
 // Programs run without a display: the keys, clicks and menu choices runHeadless gives them from
 // its command line, and the recording, picture and screen it leaves.
-#include <png.h>
-
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -12,8 +8,6 @@
 
 namespace rvtools::testing {
 namespace {
-
-namespace fs = std::filesystem;
 
 std::vector<Int> keyNumbersOf(const std::string& text, std::string& error) {
   std::vector<Int> numbers;
@@ -41,28 +35,20 @@ TEST(HeadlessKeysTest, NamedKeysEscapesAndCharactersBecomeKeyStrokes) {
 
 class HeadlessRunTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    folder_ = fs::path(::testing::TempDir()) / ("rvtools-headless-" + test);
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
   // Runs the probe with `arguments`; its exit status.
   int runProbe(const std::string& arguments) const {
-    const std::string command = std::string(RVTOOLS_HEADLESS_PROBE) + " " + arguments + " > " +
-                                (folder_ / "log.txt").string() + " 2>&1";
+    const std::string command =
+        std::string(RVTOOLS_HEADLESS_PROBE) + " " + arguments + " > " + path("log.txt") + " 2>&1";
     return std::system(command.c_str());
   }
   std::string file(const std::string& name) const {
-    std::ifstream in(folder_ / name, std::ios::binary);
     std::ostringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(path(name), std::ios::binary).rdbuf();
     return text.str();
   }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string path(const std::string& name) const { return folder_.path(name); }
 
-  fs::path folder_;
+  TestFolder folder_{"rvtools-headless-"};
 };
 
 // Cell (0, 0) is the click's pixel; the window's border (4) is not part of the drawing area.
@@ -76,12 +62,9 @@ TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) 
   EXPECT_EQ(screen.substr(0, screen.find("\n\n") + 1),
             ">acXd\nacXd 129\n17,40 Prog\n(Programm Ende)\n");
   EXPECT_NE(screen.find("\n\nC0 C0 C0"), std::string::npos);
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  ASSERT_TRUE(png_image_begin_read_from_file(&image, path("picture.png").c_str()));
-  EXPECT_EQ(image.width, 16u * 16);
-  EXPECT_EQ(image.height, 4u * 32);
-  png_image_free(&image);
+  Int width = 0, height = 0;
+  EXPECT_FALSE(readPng(path("picture.png"), &width, &height).empty());
+  EXPECT_EQ(Position(width, height), Position(16 * 16, 4 * 32));
   const std::string film = file("film.gif");
   EXPECT_TRUE(film.starts_with("GIF89a") && film.ends_with(";")) << film.size() << " bytes";
   EXPECT_NE(file("log.txt").find("applicationWillTerminate: Called."), std::string::npos);

@@ -1,7 +1,8 @@
-// Key handling: the values that key presses queue, the keys that act or are dropped, the
-// refusals, and the program side that waits for keys and reads yes/no answers.
+// Keys and the mouse: the values key presses queue, keys that act or are dropped, refusals, the
+// program waiting for keys and yes/no answers, and clicks beyond the Int range.
 #include <atomic>
 #include <chrono>
+#include <limits>
 #include <thread>
 #include <tuple>
 
@@ -87,7 +88,7 @@ TEST_F(KeyboardTest, PastingTypesTheTextBehindTheWaitingKeys) {
 
   Windows[0].Initialized = false;
   t_PasteAsKeys();
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_PasteAsKeys: Window #0 not initialized."}));
+  EXPECT_EQ(logLines(), (Lines{"t_PasteAsKeys: Window #0 not initialized."}));
   EXPECT_TRUE(takeValues().empty());
   Windows[0].Initialized = true;
 }
@@ -133,9 +134,8 @@ TEST_F(KeyboardTest, RefusedKeysStillMarkAKeyDown) {
   EXPECT_TRUE(KeyIsDown);
   EXPECT_FALSE(ShiftDown);  // a dropped key leaves the modifiers alone
   EXPECT_FALSE(EventPending);
-  EXPECT_EQ(logLines(),
-            (std::vector<std::string>{"viewKeyDown: Graphic window (1) not initialized.",
-                                      "viewKeyDown: Graphic window (9) not initialized."}));
+  EXPECT_EQ(logLines(), (Lines{"viewKeyDown: Graphic window (1) not initialized.",
+                               "viewKeyDown: Graphic window (9) not initialized."}));
 
   Windows[0].IgnoreEvents = false;
   viewKeyDown(0, 0, "A", CapsLockFlag | ShiftFlag | CommandFlag);
@@ -155,7 +155,6 @@ TEST_F(KeyboardTest, GetKeySkipsValuelessEventsAndShowsTheCursorWhileItWaits) {
   EXPECT_EQ(t_GetKey(0), "\xC3\xB6");
   EXPECT_EQ(LastEvent.Index, 41);
   EXPECT_EQ(t_GetKey(0), std::string(1, '\0'));
-
   // While it waits, the cursor shows.
   t_PrintSymbol(0, 'x', 0xC0, 1, 1);
   const std::string colorsBefore = screenColors(0);
@@ -205,6 +204,29 @@ TEST_F(KeyboardTest, YesNoAnswersAndTheirEcho) {
   // The last echo wraps the cursor; the second line stays untouched.
   EXPECT_EQ(screenText(0), "JJNNNNJN\n........\n");
   EXPECT_EQ(Windows[0].TextHpos * 100 + Windows[0].TextVpos, 102);
+}
+
+// The keys' window, 64 pixels in height, serves the clicks too.
+using MouseTest = KeyboardTest;
+
+TEST_F(MouseTest, PositionsBeyondTheIntRangeLieOutsideTheDrawingArea) {
+  constexpr double Infinity = std::numeric_limits<double>::infinity();
+  constexpr Int Smallest = std::numeric_limits<Int>::min(),
+                Largest = std::numeric_limits<Int>::max();
+  t_MouseEventHandler(0, {}, std::numeric_limits<double>::quiet_NaN(), 1e300);
+  t_MouseEventHandler(0, {}, -Infinity, -1e300);
+  const std::optional<t_Event> first = t_TakeMouseEvent(), second = t_TakeMouseEvent();
+  ASSERT_TRUE(first && second);
+  EXPECT_EQ(std::make_tuple(first->WindowX, first->WindowY, first->ClickX, first->ClickY),
+            std::make_tuple(Int{0}, Largest, Int{0}, Int{-1}));
+  EXPECT_EQ(std::make_tuple(second->WindowX, second->WindowY, second->ClickX, second->ClickY),
+            std::make_tuple(Smallest, Smallest, Int{-1}, Int{-2}));
+  EXPECT_EQ(logLines(), (Lines{"t_MouseEventHandler: Graphic #0 window, X = 0, Y = -1",
+                               "t_MouseEventHandler: Calling program mouse handler "
+                               "asynchronously.",
+                               "t_MouseEventHandler: Graphic #0 window, X = -1, Y = -2",
+                               "t_MouseEventHandler: Calling program mouse handler "
+                               "asynchronously."}));
 }
 
 }  // namespace

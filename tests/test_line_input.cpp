@@ -119,10 +119,10 @@ TEST_F(LineInputTest, RefusalsNameTheOperation) {
   EXPECT_EQ(t_InputForm(1, "", "x", true, 4, 4), "");
   t_InputEdit(9, 0);
   t_InputInsert(2, 'a');
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_InputForm: Window is not a graphic window.",
-                                                  "t_InputForm: Window #1 not initialized.",
-                                                  "t_InputEdit: Window is not a graphic window.",
-                                                  "t_InputInsert: Window #2 not initialized."}));
+  EXPECT_EQ(logLines(), (Lines{"t_InputForm: Window is not a graphic window.",
+                               "t_InputForm: Window #1 not initialized.",
+                               "t_InputEdit: Window is not a graphic window.",
+                               "t_InputInsert: Window #2 not initialized."}));
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 // Menus and the auxiliary windows on the headless host: the start-up scan, trimming menus,
-// choices that run built-in actions or reach the program, and the text windows.
+// choices that run built-in actions or reach the program, the text windows and file panels.
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <thread>
+#include <tuple>
 
 #include "common.hpp"
 
@@ -53,23 +54,22 @@ TEST_F(MenuTest, StartUpScanRemovesPlatformItemsAndReportsTheMissingGermanMenus)
   t_InitMemory();
 
   const std::string missing = "t_MenuItemIndex: Menu not found.";
-  EXPECT_EQ(logLines(), (std::vector<std::string>{
-                            "t_InitMemory: Start.", missing, missing, missing, missing, missing,
-                            "t_MenuItemTitle: Menu not found.", "t_MenuItemDelete: Menu not found.",
-                            missing, "*** Found Window Menu Item Tile Window to Left of Screen",
-                            missing, missing, "t_InitMemory: End."}));
+  EXPECT_EQ(logLines(),
+            (Lines{"t_InitMemory: Start.", missing, missing, missing, missing, missing,
+                   "t_MenuItemTitle: Menu not found.", "t_MenuItemDelete: Menu not found.", missing,
+                   "*** Found Window Menu Item Tile Window to Left of Screen", missing, missing,
+                   "t_InitMemory: End."}));
   EXPECT_EQ(testHost().menus(), HeadlessHost::englishMenus());
   EXPECT_EQ(testHost().textViewText(PasteboardWindowNumber), "");
 }
 
 TEST_F(MenuTest, ItemsAreFoundNamedAndDeletedByPosition) {
-  EXPECT_EQ(t_MenuItemIndex("Edit", "Paste"), 2);
-  EXPECT_EQ(t_MenuItemIndex("Edit", "Cut"), -1);
-  EXPECT_EQ(t_MenuItemIndex("Bearbeiten", "Paste"), -2);
-  EXPECT_EQ(t_MenuItemTitle("Edit", 65535), "Paste");
-  EXPECT_EQ(t_MenuItemTitle("Edit", 0), "Copy Picture");
-  EXPECT_EQ(t_MenuItemTitle("Edit", 3), "");
-  EXPECT_EQ(t_MenuItemTitle("Extras", 0), "");
+  EXPECT_EQ(std::make_tuple(t_MenuItemIndex("Edit", "Paste"), t_MenuItemIndex("Edit", "Cut"),
+                            t_MenuItemIndex("Bearbeiten", "Paste")),
+            std::make_tuple(2, -1, -2));
+  EXPECT_EQ((Lines{t_MenuItemTitle("Edit", 65535), t_MenuItemTitle("Edit", 0),
+                   t_MenuItemTitle("Edit", 3), t_MenuItemTitle("Extras", 0)}),
+            (Lines{"Paste", "Copy Picture", "", ""}));
 
   t_MenuItemDelete("Edit", 0);
   EXPECT_EQ(t_MenuItemTitle("Edit", 0), "Copy Text");
@@ -79,7 +79,7 @@ TEST_F(MenuTest, ItemsAreFoundNamedAndDeletedByPosition) {
   t_MenuItemDelete("Program", 65535);
   t_MenuItemDelete("Program", 0);
   t_MenuItemDelete("Extras", 0);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{
+  EXPECT_EQ(logLines(), (Lines{
                             "t_MenuItemIndex: Menu not found.",
                             "t_MenuItemTitle: Item position out of range",
                             "t_MenuItemTitle: Menu not found.",
@@ -109,13 +109,11 @@ TEST_F(MenuTest, ProgramChoicesStartTheHandlerAndBuiltInOnesDoNotButAllAreQueued
 
   ASSERT_TRUE(MenuEventPending);
   const t_MenuEvent hidden = *t_TakeMenuEvent();
-  EXPECT_EQ(hidden.Kind, 3);
-  EXPECT_EQ(hidden.ItemAction, 210);
-  EXPECT_EQ(hidden.ItemTitle, "Hide Virtual Printer");
+  EXPECT_EQ(std::tie(hidden.Kind, hidden.ItemAction, hidden.ItemTitle),
+            std::make_tuple(3, 210, "Hide Virtual Printer"));
   const t_MenuEvent program = *t_TakeMenuEvent();
-  EXPECT_EQ(program.MenuTitle, "Program");
-  EXPECT_EQ(program.ItemKeyChar, "p");
-  EXPECT_EQ(program.ItemKeyAsc, 'p');
+  EXPECT_EQ(std::tie(program.MenuTitle, program.ItemKeyChar, program.ItemKeyAsc),
+            std::make_tuple("Program", "p", 'p'));
   EXPECT_EQ(program.ItemKeyMods, static_cast<std::uint64_t>(CommandFlag));
   EXPECT_GT(program.Time, 0);
   EXPECT_EQ(t_TakeMenuEvent()->ItemAction, 100);
@@ -125,16 +123,15 @@ TEST_F(MenuTest, ProgramChoicesStartTheHandlerAndBuiltInOnesDoNotButAllAreQueued
   orphan.InMenu = false;
   t_MenuEventHandler(orphan);
   const t_MenuEvent orphanEvent = *t_TakeMenuEvent();
-  EXPECT_EQ(orphanEvent.Kind, 0);
-  EXPECT_EQ(orphanEvent.ItemTitle, "");
-  EXPECT_EQ(orphanEvent.ItemAction, 0);
-  EXPECT_EQ(orphanEvent.Time, 0);
+  EXPECT_EQ(
+      std::tie(orphanEvent.Kind, orphanEvent.ItemTitle, orphanEvent.ItemAction, orphanEvent.Time),
+      std::make_tuple(0, "", 0, 0));
 }
 
 TEST_F(MenuTest, GraphicWindowActionsNeedAnInitialisedWindow) {
   const int beeps = testHost().beeps();
   t_MenuEventHandler(choice(213));
-  EXPECT_EQ(logLines(), std::vector<std::string>{"t_MenuEventHandler: Window #0 not initialized."});
+  EXPECT_EQ(logLines(), Lines{"t_MenuEventHandler: Window #0 not initialized."});
   EXPECT_EQ(testHost().beeps(), beeps + 1);
   EXPECT_FALSE(Windows[0].Visible);
 
@@ -148,8 +145,9 @@ TEST_F(MenuTest, GraphicWindowActionsNeedAnInitialisedWindow) {
   t_MenuEventHandler(choice(111, "Edit"));
   EXPECT_EQ(t_PasteboardText(), "HI\r\r");
   t_MenuEventHandler(choice(110, "Edit"));
-  EXPECT_EQ(testHost().pasteboardImage().Width, 64);
-  EXPECT_EQ(testHost().pasteboardImage().Pixels.size(), 64u * 64 * 4);
+  EXPECT_EQ(
+      Position(testHost().pasteboardImage().Width, testHost().pasteboardImage().Pixels.size()),
+      Position(64, 64 * 64 * 4));
 
   std::atomic<int> pasted{0};
   t_SetPasteHandler([&pasted] { ++pasted; });
@@ -189,11 +187,10 @@ TEST_F(MenuTest, PrinterAndConsoleCollectTextUntilCleared) {
   t_MenuEventHandler(choice(114));
   t_PrinterClear();
   EXPECT_EQ(logLines(),
-            (std::vector<std::string>{
-                "t_PrinterPrint: Virtual printer window is nil, resource undefined.",
-                "t_MenuEventHandler: Virtual printer window is nil, resource undefined.",
-                "t_MenuEventHandler: System console window is nil, resource undefined.",
-                "t_PrinterClear: Virtual printer window is nil, resource undefined."}));
+            (Lines{"t_PrinterPrint: Virtual printer window is nil, resource undefined.",
+                   "t_MenuEventHandler: Virtual printer window is nil, resource undefined.",
+                   "t_MenuEventHandler: System console window is nil, resource undefined.",
+                   "t_PrinterClear: Virtual printer window is nil, resource undefined."}));
   EXPECT_EQ(testHost().beeps(), beeps + 4);
   EXPECT_EQ(t_PasteboardText(), "pasted");
 }
@@ -211,8 +208,7 @@ TEST_F(MenuTest, FilePanelActionsKeepTheChosenPathAndFilesReadWhole) {
   EXPECT_EQ(testHost().lastFilePanel().Title, "Open a listing");
   EXPECT_FALSE(testHost().lastFilePanel().Save);
   const t_MenuAction chosen = *t_MenuActionOf(100);
-  EXPECT_EQ(chosen.FilePath, path);
-  EXPECT_EQ(chosen.FileName, "rvtools-menus.txt");
+  EXPECT_EQ(std::tie(chosen.FilePath, chosen.FileName), std::tie(path, "rvtools-menus.txt"));
   const std::vector<UInt8> bytes = t_ReadFile(chosen.FilePath);
   EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "10 PRINT \"HI\"\n");
   EXPECT_TRUE(t_ReadFile(path + ".missing").empty());

@@ -1,5 +1,5 @@
-// Printing: display modes and the escape, characters beyond the character set, control codes,
-// tabs and blanks, redirection, title and separator lines, the control-S pause and refusals.
+// Printing: glyphs at every depth, display modes and the escape, control codes, tabs, redirection,
+// title and separator lines, the control-S pause and refusals.
 #include <chrono>
 #include <functional>
 #include <limits>
@@ -11,7 +11,6 @@ namespace rvtools::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using Position = std::pair<Int, Int>;
 
 const std::string Escape = "\x1b";
 const std::string Blank8 = "        \n";  // an empty line of window 0
@@ -28,9 +27,6 @@ class PrintTest : public RuntimeTest {
     t_ClearEndOfWindow(window);
     clearLog();
   }
-  static Position cursor(UInt8 window) {
-    return {Windows[window].TextHpos, Windows[window].TextVpos};
-  }
 };
 
 // The window's character codes as they are, line by line, each line closed by '\n'.
@@ -42,13 +38,6 @@ std::string screenBytes(UInt8 window) {
     text.append(first, first + record.TextWidth) += '\n';
   }
   return text;
-}
-
-t_Event key(Int value) {
-  t_Event event;
-  event.Kind = 1;
-  event.Value = value;
-  return event;
 }
 
 // Runs `action` on a thread once output has taken every queued key and had time to go on.
@@ -73,16 +62,15 @@ TEST_F(PrintTest, EscapeSetsColoursTabStopsCursorAndBorderAndKeepsGoingOnOtherCo
             "C0 10 10 10 11 11 01 C0\nC0 C0 C0 C0 C0 C0 C0 C0\nC0 C0 C0 C0 C0 C0 C0 C0\n");
   EXPECT_EQ(Windows[0].TextDisplayMode, 0);
   EXPECT_EQ(Windows[0].TextColor, 0x01);
-
   // Tab stops, cursor jumps and the border.
   blankWindow(1, 24, 2);
   t_Print(1, "AB" + Escape + "iC" + Escape + "jD" + Escape + "kE");
   EXPECT_EQ(screenText(1), "AB        C         D   \nE                       \n");
   t_Print(1, Escape + "e");
-  EXPECT_EQ(cursor(1), Position(24, 2));
+  EXPECT_EQ(cursorOf(1), Position(24, 2));
   t_Htab(1, 1);
   t_Print(1, Escape + "f" + Escape + "p");
-  EXPECT_EQ(cursor(1), Position(24, 2));
+  EXPECT_EQ(cursorOf(1), Position(24, 2));
   EXPECT_EQ(testHost().windowState(1).Border, PaletteColor(2));
   EXPECT_EQ(Windows[1].TextDisplayMode, 0);
   EXPECT_EQ(logText(), "");
@@ -104,7 +92,7 @@ TEST_F(PrintTest, DisplayModesTranslateAndRestoreTheLook) {
   EXPECT_EQ(screenBytes(0), "ABBC?\xC1\xFE\x81\n\x01\x01\r     \n" + Blank8);
   EXPECT_EQ(screenColors(0),
             "0C C0 10 C0 10 C0 C0 C0\nC0 C0 C0 C0 C0 C0 C0 C0\nC0 C0 C0 C0 C0 C0 C0 C0\n");
-  EXPECT_EQ(cursor(0), Position(4, 2));
+  EXPECT_EQ(cursorOf(0), Position(4, 2));
   EXPECT_EQ(Windows[0].TextColor, 0xC0);
 }
 
@@ -131,7 +119,7 @@ TEST_F(PrintTest, ControlCodesMoveClearAndSwitch) {
   EXPECT_EQ(screenText(0), Blank8 + Blank8 + "Q       \n");
   t_Print(0, "\x0CW");
   EXPECT_EQ(screenText(0), "W       \n" + Blank8 + Blank8);
-  EXPECT_EQ(cursor(0), Position(2, 1));
+  EXPECT_EQ(cursorOf(0), Position(2, 1));
 }
 
 TEST_F(PrintTest, TabsBlanksAndLinesOnlyMoveRight) {
@@ -139,7 +127,7 @@ TEST_F(PrintTest, TabsBlanksAndLinesOnlyMoveRight) {
   t_Htab(0, 4);
   t_PrintTab(0, 2, '*');
   t_PrintSpc(0, -5);
-  EXPECT_EQ(cursor(0), Position(4, 1));
+  EXPECT_EQ(cursorOf(0), Position(4, 1));
   t_PrintTab(0, 6, '*');
   t_PrintSpc(0, 3);
   t_Htab(0, 3);
@@ -147,22 +135,22 @@ TEST_F(PrintTest, TabsBlanksAndLinesOnlyMoveRight) {
   t_TextHline(0, 2, 4, 3, '=');
   t_TextHline(0, 5, 4, 3, '#');
   EXPECT_EQ(screenBytes(0), "ABC**   \n  " + std::string(6, '\x9C') + "\n ===    \n");
-  EXPECT_EQ(cursor(0), Position(1, 3));
+  EXPECT_EQ(cursorOf(0), Position(1, 3));
   EXPECT_EQ(logText(), "");
 }
 
 TEST_F(PrintTest, RedirectedOutputStillMovesTheCursor) {
   t_RedirectOutput(0, 2);
   t_Print(0, "HI");
-  EXPECT_EQ(cursor(0), Position(3, 1));
+  EXPECT_EQ(cursorOf(0), Position(3, 1));
   t_Print(0, "\rä€");
   EXPECT_EQ(logText(), "HI\rä?");
-  EXPECT_EQ(cursor(0), Position(5, 1));
+  EXPECT_EQ(cursorOf(0), Position(5, 1));
   clearLog();
   t_RedirectOutput(0, 0);
   t_Print(0, "HIJKL\r");
   EXPECT_EQ(logText(), "");
-  EXPECT_EQ(cursor(0), Position(2, 2));
+  EXPECT_EQ(cursorOf(0), Position(2, 2));
   EXPECT_EQ(screenText(0), Blank8 + Blank8 + Blank8);
 }
 
@@ -172,13 +160,13 @@ TEST_F(PrintTest, HeaderFillsTheAreaWithoutScrolling) {
   t_Header(2, "AB", "CD");
   // Only the closing t_Cr scrolls: a title that wrapped would have scrolled once more.
   EXPECT_EQ(screenText(2), "AB" + std::string(36, ' ') + "CD\n" + std::string(40, ' ') + "\n");
-  EXPECT_EQ(cursor(2), Position(1, 2));
+  EXPECT_EQ(cursorOf(2), Position(1, 2));
 
   blankWindow(3, 10, 1);
   t_Color(3, 3);
   t_Header(3, "LEFT", "RIGHT");
   EXPECT_EQ(screenText(3), "LEFT RIGHT\n");
-  EXPECT_EQ(cursor(3), Position(1, 1));
+  EXPECT_EQ(cursorOf(3), Position(1, 1));
   t_Header(3, "ABCDEFGH", "IJKLMN€");
   EXPECT_EQ(screenText(3), "ABCDEFGHIJ\n");
   t_Header(3, "", "€");
@@ -200,22 +188,20 @@ TEST_F(PrintTest, SpansBeyondTheWindowDrawWhatLiesInsideAndAreRefusedOnce) {
   // last line up to the window's edge.
   t_Header(0, "AB", "CD");
   EXPECT_EQ(screenText(0), "      ..\nAB    CD\n" + Blank8);
-  EXPECT_EQ(cursor(0), Position(1, 3));
-  EXPECT_EQ(logLines(), (std::vector<std::string>{
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 1).",
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = -1099511627776, "
-                            "y = 3).",
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = 3, y = "
-                            "1099511627776).",
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 2).",
-                            "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 3)."}));
-
+  EXPECT_EQ(cursorOf(0), Position(1, 3));
+  EXPECT_EQ(logLines(), (Lines{"t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 1).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = -1099511627776, "
+                               "y = 3).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 3, y = "
+                               "1099511627776).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 2).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 9, y = 3)."}));
   // Tab stops and the escape's jump to the last column at the ends of the Int range.
   clearLog();
   Windows[0].TextLastColumn = 8;
   Windows[0].TextHpos = std::numeric_limits<Int>::max();
   t_Print(0, Escape + "i");
-  EXPECT_EQ(cursor(0), Position(1, 3));
+  EXPECT_EQ(cursorOf(0), Position(1, 3));
   Windows[0].TextFirstColumn = std::numeric_limits<Int>::min();
   t_Print(0, Escape + "f");
   EXPECT_EQ(Windows[0].TextDisplayMode, 0);
@@ -223,21 +209,20 @@ TEST_F(PrintTest, SpansBeyondTheWindowDrawWhatLiesInsideAndAreRefusedOnce) {
 }
 
 TEST_F(PrintTest, ControlSPausesUntilTheNextKeyOrMenuChoice) {
-  EventQueue.append(key(19));
+  EventQueue.append(keyEvent(19));
   std::string pausedScreen;
   std::thread typist = onceKeysAreTaken([&] {
     pausedScreen = screenText(0);
-    EventQueue.append(key('x'));
+    EventQueue.append(keyEvent('x'));
   });
   t_Print(0, "AB\rCD");
   typist.join();
   EXPECT_EQ(pausedScreen, "AB      \n" + Blank8 + Blank8);
   EXPECT_EQ(EventQueue.count(), 0u);  // the key that resumed output is gone
   EXPECT_EQ(screenText(0), "AB      \nCD      \n" + Blank8);
-
   // A menu choice ends the pause as well and stays queued for the program.
-  EventQueue.append(key('q'));
-  EventQueue.append(key(19));
+  EventQueue.append(keyEvent('q'));
+  EventQueue.append(keyEvent(19));
   std::thread menu = onceKeysAreTaken([] {
     t_MenuEvent choice;
     choice.Kind = 3;
@@ -249,8 +234,8 @@ TEST_F(PrintTest, ControlSPausesUntilTheNextKeyOrMenuChoice) {
   EXPECT_EQ(EventQueue.count(), 0u);
   EXPECT_EQ(screenText(0), "AB      \nCDZ     \n" + Blank8);
 
-  EventQueue.append(key(19));
-  EventQueue.append(key('q'));  // not the most recent: no pause
+  EventQueue.append(keyEvent(19));
+  EventQueue.append(keyEvent('q'));  // not the most recent: no pause
   t_Print(0, "");
   EXPECT_EQ(EventQueue.count(), 2u);
 }
@@ -281,6 +266,127 @@ TEST_F(PrintTest, RefusalsAndTheNotDrawingState) {
             "t_PrintControl: Window #5 not initialized.\n"
             "\x0c"
             "t_Print: Window #0 has no text font.\n");
+}
+
+// An 8 x 8 font whose glyph 1 has ink in columns 0..3, grey 128 in column 4 and paper in
+// columns 5..7; every other glyph is paper.
+t_Font stripeFont() {
+  t_Font font = EmptyFont();
+  font.Format = 2;
+  font.Start = 0;
+  font.End = 255;
+  font.Width = 8;
+  font.Height = 8;
+  std::vector<UInt8> data(256 * 64, 0);
+  for (int row = 0; row < 8; ++row) {
+    for (int column = 0; column < 8; ++column) {
+      data[64 + row * 8 + column] = column < 4 ? 255 : column == 4 ? 128 : 0;
+    }
+  }
+  font.Data = SharedBytes(std::move(data));
+  return font;
+}
+
+class GlyphTest : public RuntimeTest {
+ protected:
+  // A 32 x 32 window of 4 x 4 cells at the given depth.
+  void initStripeWindow(Int depth) {
+    t_InitWindow(0, depth, false, 32, 32, 0, 0, stripeFont(), true);
+    ASSERT_TRUE(Windows[0].Initialized);
+    clearLog();
+  }
+  const UInt8* picture() const { return &VideoMemory[Windows[0].MemoryStart]; }
+};
+
+// Colour byte 0x12: red ink (255, 0, 0) on navy paper (0, 0, 128); the grey column mixes to
+// (128, 0, 63), in grey levels red is 85, navy 42 and the mix 62, and at 4 bits the ink is
+// colour 1, the paper colour 2 and the mix nearest to colour 8.
+constexpr UInt8 RedOnNavy = 0x12;
+
+TEST_F(GlyphTest, EachDepthMixesInkAndPaperKeepsBytesItDoesNotColourAndInverts) {
+  // The top row of cell 2: its 8 pixels take `depth` bytes from byte `depth` on.
+  const std::vector<std::vector<UInt8>> rows = {
+      {7,   255, 0, 0,  255, 255, 0, 0,   255, 255, 0, 0,   255, 255, 0, 0,  // 32 bits
+       255, 128, 0, 63, 255, 0,   0, 128, 255, 0,   0, 128, 255, 0,   0, 128},
+      {7, 85, 0, 85, 0, 85, 0, 85, 0, 62, 0, 42, 0, 42, 0, 42},  // 16 bits
+      {85, 85, 85, 85, 62, 42, 42, 42},
+      {0x11, 0x11, 0x82, 0x22},
+      {255, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 128, 0, 63, 0, 0, 128, 0, 0, 128, 0, 0, 128}};
+  for (const std::vector<UInt8>& row : rows) {
+    const Int depth = static_cast<Int>(row.size());
+    initStripeWindow(depth);
+    VideoMemory[Windows[0].MemoryStart + depth] = 7;  // the cell's first byte
+    t_PrintSymbol(0, 1, RedOnNavy, 2, 1);
+    EXPECT_EQ(std::vector<UInt8>(picture() + depth, picture() + 2 * depth), row) << depth;
+  }
+
+  initStripeWindow(1);
+  t_PrintSymbol(0, 1, 0xF0, 1, 1);
+  EXPECT_EQ(picture()[0], 0xF8);  // ink and the light grey column are set
+  Windows[0].TextInverse = true;
+  t_PrintSymbol(0, 1, 0xF0, 2, 1);
+  EXPECT_EQ(picture()[1], 0x07);
+  EXPECT_EQ(screenColors(0).substr(0, 5), "F0 0F");
+}
+
+TEST_F(GlyphTest, SkippedDrawingStillRecordsTheCell) {
+  initStripeWindow(24);
+  t_PrintSymbol(0, 1, RedOnNavy, 1, 1);
+  t_Font narrow = stripeFont();
+  narrow.Start = 2;
+  Windows[0].Font = narrow;
+  t_PrintSymbol(0, 1, 0xF0, 1, 1);  // below Start: pixels stay
+  EXPECT_EQ(picture()[0], 255);
+  EXPECT_EQ(screenColors(0).substr(0, 2), "F0");
+
+  t_Font shortData = stripeFont();
+  shortData.Data = SharedBytes(std::vector<UInt8>(100, 255));  // ends inside glyph 1
+  Windows[0].Font = shortData;
+  t_PrintSymbol(0, 65, 0xF0, 2, 1);
+  EXPECT_EQ(picture()[8 * 3], 0);
+  EXPECT_EQ(screenText(0).substr(0, 4), ".A..");
+
+  t_Font plain = stripeFont();
+  plain.Format = 0;
+  Windows[0].Font = plain;
+  t_PrintSymbol(0, 66, 0xF0, 3, 1);
+  plain.Format = 7;
+  Windows[0].Font = plain;
+  t_PrintSymbol(0, 67, 0xF0, 4, 1);
+  EXPECT_EQ(screenText(0).substr(0, 4), ".ABC");
+  EXPECT_EQ(logLines(), (Lines{"t_PrintSymbol: Font format must be uncompressed grey for "
+                               "text-printing.",
+                               "t_PrintSymbol: Illegal font format."}));
+}
+
+TEST_F(GlyphTest, CellsBeyondThePictureAreRefused) {
+  initStripeWindow(24);
+  t_PrintSymbol(0, 1, RedOnNavy, 4, 4);  // its right edge is the window's
+  t_PrintSymbol(0, 1, RedOnNavy, 5, 1);
+  t_PrintSymbol(0, 1, RedOnNavy, 0, 1);
+  t_PrintSymbol(0, 1, RedOnNavy, 1, -3);
+  t_PrintSymbol(8, 1, RedOnNavy, 1, 1);
+  t_PrintSymbol(1, 1, RedOnNavy, 1, 1);
+  t_Font wide = stripeFont();
+  wide.Width = std::numeric_limits<Int>::max() / 2 + 1;  // two cells overflow the Int range
+  t_WindowFont(0, wide);
+  t_PrintSymbol(0, 1, RedOnNavy, 2, 1);
+  EXPECT_EQ(screenText(0), "....\n....\n....\n....\n");
+  EXPECT_EQ(logLines(), (Lines{"t_PrintSymbol: Window #0 illegal coordinates (x = 5, y = 1).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 0, y = 1).",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 1, y = -3).",
+                               "t_PrintSymbol: Window is not a graphic window.",
+                               "t_PrintSymbol: Window #1 not initialized.",
+                               "t_PrintSymbol: Window #0 illegal coordinates (x = 2, y = 1)."}));
+}
+
+TEST_F(GlyphTest, RedirectionWritesToStandardOutputOnly) {
+  Windows[3].TextRedirectOutput = 2;  // a window that was never initialised
+  t_PrintSymbol(3, 'H', 0xF0, 1, 1);
+  t_PrintSymbol(3, 0xE4, 0xF0, 1, 1);
+  Windows[3].TextRedirectOutput = 0;
+  t_PrintSymbol(3, 'X', 0xF0, 1, 1);
+  EXPECT_EQ(logText(), "H\xC3\xA4");
 }
 
 }  // namespace

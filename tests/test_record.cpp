@@ -1,16 +1,13 @@
-// Recordings as animated GIF files, read back with giflib: the frames, composed as a viewer
-// composes them, equal the pictures at the moments they were taken, at every depth and in
-// several windows at once (approximately where a frame has more than 256 colours); delays add
-// up to the time recorded; refusals and unwritable files get one log line and leave no file.
-// The drop demo run without a display leaves the animation that the README shows.
+// Pictures as PNG files (read back with libpng) and recordings as animated GIF files (read back
+// with giflib): frames, delays, refusals, a full disk, and the demo's animation of the README.
 #include <gif_lib.h>
-#include <png.h>
-#include <sys/resource.h>
 
+#include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <numeric>
 #include <thread>
 
 #include "common.hpp"
@@ -41,12 +38,9 @@ void drawFrame(const GifFileType& gif, int frame, std::vector<UInt8>& picture) {
     for (int x = 0; x < place.Width; ++x) {
       const int index = image.RasterBits[y * place.Width + x];
       if (index == control.TransparentColor) continue;
-      UInt8* pixel = &picture[4 * ((place.Top + y) * gif.SWidth + place.Left + x)];
       const GifColorType colour = table->Colors[index];
-      pixel[0] = 255;
-      pixel[1] = colour.Red;
-      pixel[2] = colour.Green;
-      pixel[3] = colour.Blue;
+      const UInt8 argb[] = {255, colour.Red, colour.Green, colour.Blue};
+      std::copy_n(argb, 4, &picture[4 * ((place.Top + y) * gif.SWidth + place.Left + x)]);
     }
   }
 }
@@ -72,39 +66,26 @@ Animation decodedAnimation(const std::string& path) {
   return animation;
 }
 
-int largestDifference(const std::vector<UInt8>& a, const std::vector<UInt8>& b) {
+// The largest and the mean difference of red, green and blue between two pictures of one size.
+std::pair<int, double> differences(const std::vector<UInt8>& a, const std::vector<UInt8>& b) {
   int largest = a.size() == b.size() ? 0 : 256;
+  double sum = 0;
   for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
     largest = std::max(largest, std::abs(a[i] - b[i]));
+    sum += std::abs(a[i] - b[i]);
   }
-  return largest;
-}
-
-// The mean difference of red, green and blue between two pictures of the same size.
-double meanDifference(const std::vector<UInt8>& a, const std::vector<UInt8>& b) {
-  double sum = 0;
-  for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) sum += std::abs(a[i] - b[i]);
-  return sum / static_cast<double>(a.size() / 4 * 3);
+  return {largest, sum / static_cast<double>(a.size() / 4 * 3)};
 }
 
 class RecordTest : public RuntimeTest {
  protected:
-  void SetUp() override {
-    RuntimeTest::SetUp();
-    const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    folder_ = fs::path(::testing::TempDir()) / ("rvtools-recordings-" + test);
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
   void TearDown() override {
     for (UInt8 window = 0; window < 8; ++window) {
       if (t_IsRecording(window)) t_RecordStop(window);
     }
-    fs::remove_all(folder_);
     RuntimeTest::TearDown();
   }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-  bool folderIsEmpty() const { return fs::is_empty(folder_); }
+  std::string path(const std::string& name) const { return folder_.path(name); }
 
   // Shows window `window`'s picture as the refresh does and, when it changed, keeps it as the
   // next frame expected.
@@ -114,7 +95,7 @@ class RecordTest : public RuntimeTest {
     if (expected.empty() || picture != expected.back()) expected.push_back(std::move(picture));
   }
 
-  fs::path folder_;
+  TestFolder folder_{"rvtools-recordings-"};
 };
 
 // Six windows, one per depth, record at once; a refresh without a change adds no frame.
@@ -179,11 +160,11 @@ TEST_F(RecordTest, FramesOfMoreThan256ColoursAreCloseAndDelaysAddUpToTheTimeReco
   const Animation animation = decodedAnimation(path("gradient.gif"));
   ASSERT_EQ(animation.Pictures.size(), expected.size());
   for (std::size_t frame = 0; frame < expected.size(); ++frame) {
-    EXPECT_LE(largestDifference(animation.Pictures[frame], expected[frame]), 48);
-    EXPECT_LE(meanDifference(animation.Pictures[frame], expected[frame]), 8.0);
+    const auto [largest, mean] = differences(animation.Pictures[frame], expected[frame]);
+    EXPECT_LE(largest, 48);
+    EXPECT_LE(mean, 8.0);
   }
-  int total = 0;
-  for (const int delay : animation.Delays) total += delay;
+  const int total = std::accumulate(animation.Delays.begin(), animation.Delays.end(), 0);
   EXPECT_NEAR(total * 10, recorded.count(), 1000 / 30);
 }
 
@@ -224,15 +205,14 @@ TEST_F(RecordTest, StartingTwiceStoppingWhatDoesNotRecordAndWindowsWithoutPictur
   EXPECT_FALSE(t_RecordStop(2));
   setRecordingObserver(nullptr);
   EXPECT_EQ(told, (std::vector<std::pair<UInt8, bool>>{{2, true}, {2, false}}));
-  EXPECT_EQ(logLines(),
-            (std::vector<std::string>{"t_RecordStart: Window #2 is being recorded already.",
-                                      "t_RecordStart: Window #3 not initialized.",
-                                      "t_RecordStart: Window is not a graphic window.",
-                                      "t_RecordStop: Window #4 is not being recorded.",
-                                      "t_RecordStop: Window #2 showed no picture, „" +
-                                          path("two.gif") + "“ was not written.",
-                                      "t_RecordStop: Window #2 is not being recorded."}));
-  EXPECT_TRUE(folderIsEmpty());
+  EXPECT_EQ(logLines(), (Lines{"t_RecordStart: Window #2 is being recorded already.",
+                               "t_RecordStart: Window #3 not initialized.",
+                               "t_RecordStart: Window is not a graphic window.",
+                               "t_RecordStop: Window #4 is not being recorded.",
+                               "t_RecordStop: Window #2 showed no picture, „" + path("two.gif") +
+                                   "“ was not written.",
+                               "t_RecordStop: Window #2 is not being recorded."}));
+  EXPECT_TRUE(folder_.files().empty());
 }
 
 // A file size limit stands in for a full disk: the frames no longer fit once the header is out.
@@ -241,25 +221,18 @@ TEST_F(RecordTest, AMissingFolderOrAFullDiskLeavesNoFileAndTheEndOfTheApplicatio
   t_WindowVisible(1, true);
   EXPECT_FALSE(t_RecordStart(1, path("missing/folder/film.gif")));
 
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit small{64, limit.rlim_max};
-  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-  setrlimit(RLIMIT_FSIZE, &small);
-  const bool started = t_RecordStart(1, path("full.gif"));
-  t_Print(1, "A full disk");
-  t_WindowUpdate(1, true);
-  const bool stopped = t_RecordStop(1);
-  setrlimit(RLIMIT_FSIZE, &limit);
-  std::signal(SIGXFSZ, previous);
-  EXPECT_TRUE(started);
-  EXPECT_FALSE(stopped);
+  withFileSizeLimit(64, [&] {
+    EXPECT_TRUE(t_RecordStart(1, path("full.gif")));
+    t_Print(1, "A full disk");
+    t_WindowUpdate(1, true);
+    EXPECT_FALSE(t_RecordStop(1));
+  });
   ASSERT_EQ(logLines().size(), 2u);
   EXPECT_EQ(logLines()[0], "t_RecordStart: Could not write „" + path("missing/folder/film.gif") +
                                "“: cannot create it: No such file or directory.");
   EXPECT_TRUE(logLines()[1].starts_with("t_RecordStop: Could not write „" + path("full.gif") +
                                         "“: cannot write it: "));
-  EXPECT_TRUE(folderIsEmpty());
+  EXPECT_TRUE(folder_.files().empty());
 
   ASSERT_TRUE(t_RecordStart(1, path("ended.gif")));
   runTerminationSequence();
@@ -283,21 +256,73 @@ TEST(KessvindRecordingTest, TheDemoRunWithoutADisplayLeavesAnAnimationOfTheTubFi
   ASSERT_EQ(std::system(command.c_str()), 0);
 
   const Animation recorded = decodedAnimation(animation);
-  EXPECT_GT(recorded.Pictures.size(), 1u);
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  ASSERT_TRUE(png_image_begin_read_from_file(&image, picture.c_str()));
-  image.format = PNG_FORMAT_ARGB;
-  std::vector<UInt8> finalPicture(PNG_IMAGE_SIZE(image));
-  ASSERT_TRUE(png_image_finish_read(&image, nullptr, finalPicture.data(), 0, nullptr));
-  ASSERT_FALSE(recorded.Pictures.empty());
-  EXPECT_EQ(recorded.Pictures.back(), finalPicture);
+  ASSERT_GT(recorded.Pictures.size(), 1u);
+  EXPECT_EQ(recorded.Pictures.back(), readPng(picture));
 
   if (const char* folder = std::getenv("RVTOOLS_SCREENSHOTS")) {
     const fs::path target = fs::path(RVTOOLS_SOURCE_DIR) / folder / "kessvind.gif";
     fs::copy_file(animation, target, fs::copy_options::overwrite_existing);
   }
 #endif
+}
+
+class PictureTest : public RuntimeTest {
+ protected:
+  TestFolder folder_{"rvtools-pictures-"};
+};
+
+TEST_F(PictureTest, SavedPicturesReadBackAsTheWindowsImageAtEveryDepth) {
+  for (const Int depth : {1, 4, 8, 16, 24, 32}) {
+    initTextWindow(0, depth, 5, 2);
+    t_WindowVisible(0, true);
+    t_Print(0, "Ab\x1b@9");
+    t_Color(0, 7);
+    t_Plot(0, 4, 3);
+    const std::string file = folder_.path("depth" + std::to_string(depth) + ".png");
+    ASSERT_TRUE(t_SavePicture(0, file));
+    Int width = 0, height = 0;
+    const std::vector<UInt8> pixels = readPng(file, &width, &height);
+    const t_Image image = *t_WindowImage(0);
+    EXPECT_EQ(Position(width, height), Position(image.Width, image.Height));
+    EXPECT_EQ(pixels, image.Pixels) << "depth " << depth;
+  }
+  EXPECT_TRUE(logLines().empty());
+}
+
+TEST_F(PictureTest, WindowsWithoutAPictureAndUnwritableFilesAreRefused) {
+  initTextWindow(1, 24, 4, 2);
+  EXPECT_FALSE(t_SavePicture(1, folder_.path("hidden.png")));
+  EXPECT_FALSE(t_SavePicture(3, folder_.path("uninitialised.png")));
+  EXPECT_FALSE(t_SavePicture(9, folder_.path("printer.png")));
+  t_WindowVisible(1, true);
+  EXPECT_FALSE(t_SavePicture(1, folder_.path("missing/folder/picture.png")));
+  EXPECT_EQ(logLines(),
+            (Lines{"t_SavePicture: Window #1 is not visible.",
+                   "t_SavePicture: Window #3 not initialized.",
+                   "t_SavePicture: Window is not a graphic window.",
+                   "t_SavePicture: Could not write „" + folder_.path("missing/folder/picture.png") +
+                       "“: cannot create it: No such file or directory."}));
+  EXPECT_TRUE(folder_.files().empty());
+}
+
+// The write fails half way: the partial file goes and an older file of the same name stays.
+TEST_F(PictureTest, AFullDiskLeavesTheOldFileAndNoPartialOne) {
+  initTextWindow(2, 24, 20, 6);
+  t_WindowVisible(2, true);
+  for (Int x = 0; x < 40; ++x) {
+    t_Color(2, x % 16);
+    t_Plot(2, x, x % 12);
+  }
+  const std::string file = folder_.path("full.png");
+  std::ofstream(file) << "older picture";
+  bool saved = true;
+  withFileSizeLimit(64, [&] { saved = t_SavePicture(2, file); });
+  EXPECT_FALSE(saved);
+  ASSERT_EQ(logLines().size(), 1u);
+  EXPECT_TRUE(logLines()[0].starts_with("t_SavePicture: Could not write „" + file +
+                                        "“: cannot write it: "));
+  EXPECT_EQ(folder_.files(), Lines{"full.png"});
+  EXPECT_EQ(std::filesystem::file_size(file), std::string("older picture").size());
 }
 
 }  // namespace

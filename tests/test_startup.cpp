@@ -1,5 +1,5 @@
-// Start-up: the character tables, the memory and records that t_InitMemory creates, program
-// threads and their numbers, and the window frame operations' refusals and limits.
+// Start-up and the end: the character tables, program threads, frame operations' limits, the
+// launch sequence, picture versions, and t_QuitProgram unwinding the program thread.
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -24,19 +24,9 @@ TEST_F(StartupTest, CharacterTablesKeepTheirQuirk) {
   EXPECT_EQ(
       (std::vector<Int>{DigitValues['7'], DigitValues['f'], DigitValues['F'], DigitValues['g']}),
       (std::vector<Int>{7, 15, 15, -1}));
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"initrvtools: Start.", "initrvtools: End."}));
-}
-
-TEST_F(StartupTest, MemoryIsCreatedOnceWithDefaultRecords) {
-  EXPECT_EQ(VideoMemory, std::vector<UInt8>(0x100000F, 255));
-  EXPECT_EQ(HighMemory, 0xFFFFFF);
-  for (const t_Window& record : Windows) {
-    EXPECT_EQ(record.MemoryStart, -1);
-    EXPECT_EQ(record.TextMemoryEnd, -1);
-    EXPECT_EQ(record.RefreshRate, 30);
-    EXPECT_TRUE(record.VerticalBlank);
-  }
-  t_InitMemory();
+  EXPECT_EQ(logLines(), (Lines{"initrvtools: Start.", "initrvtools: End."}));
+  clearLog();
+  t_InitMemory();  // the memory is created once
   EXPECT_TRUE(logLines().empty());
 }
 
@@ -71,11 +61,10 @@ TEST_F(StartupTest, FrameOperationsRefuseNumbersWithoutAWindow) {
   EXPECT_TRUE(testHost().windowState(9).Frame.Visible);
   t_WindowFront(2);
   EXPECT_TRUE(Windows[2].Visible);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"t_WindowFront: Window does not exist.",
-                                                  "t_WindowCenter: Window does not exist.",
-                                                  "t_WindowVisible: Window does not exist.",
-                                                  "t_WindowInfo: Window does not exist."}));
-
+  EXPECT_EQ(
+      logLines(),
+      (Lines{"t_WindowFront: Window does not exist.", "t_WindowCenter: Window does not exist.",
+             "t_WindowVisible: Window does not exist.", "t_WindowInfo: Window does not exist."}));
   // Frames beyond any screen reach the host within 32-bit coordinates.
   t_WindowSize(9, -1, -1, std::numeric_limits<Int>::max(), std::numeric_limits<Int>::min());
   t_WindowCenter(9);
@@ -100,14 +89,11 @@ TEST_F(StartupTest, LaunchSequenceLogsItsStepsAndStartsTheProgram) {
   EXPECT_TRUE(ran);
   EXPECT_EQ(TitleBarDelta, 22);
   EXPECT_TRUE(LaunchFinished);
-  const std::vector<std::string> expected = {"applicationWillFinishLaunching: Called.",
-                                             "applicationDidFinishLaunching: Start.",
-                                             "initrvtools: Start.",
-                                             "initrvtools: End.",
-                                             "Program: Start.",
-                                             "applicationDidFinishLaunching: End.",
-                                             "applicationWillTerminate: Called."};
-  EXPECT_EQ(logLines(), expected);
+  EXPECT_EQ(
+      logLines(),
+      (Lines{"applicationWillFinishLaunching: Called.", "applicationDidFinishLaunching: Start.",
+             "initrvtools: Start.", "initrvtools: End.", "Program: Start.",
+             "applicationDidFinishLaunching: End.", "applicationWillTerminate: Called."}));
   EXPECT_EQ(mirrored, logText());
 }
 
@@ -124,6 +110,60 @@ TEST_F(StartupTest, PictureVersionsFollowWhatChangesAPicture) {
   t_WindowVisible(1, true);
   EXPECT_GT(pictureVersion(1), printed);
   EXPECT_EQ(pictureVersion(8), 0u);
+}
+
+// Sets its flag when it goes out of scope.
+struct Sentinel {
+  std::atomic<bool>& flag;
+  ~Sentinel() { flag = true; }
+};
+
+class QuitTest : public RuntimeTest {
+ protected:
+  // Runs t_QuitProgram(window) on a program thread, waits until that thread has ended and checks
+  // that it unwound: its local objects were destroyed and the code after the call never ran.
+  void quitOnProgramThread(UInt8 window) {
+    startprocess(
+        [this, window] {
+          Sentinel local{localDestroyed_};
+          started_ = true;
+          t_QuitProgram(window);
+          ranOn_ = true;
+        },
+        1 << 20);
+    for (int step = 0; step < 400; ++step) {
+      if (started_ && !ProgramStartPending && runningProgramThreads() == 0) break;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    ASSERT_EQ(runningProgramThreads(), 0);
+    EXPECT_TRUE(started_ && localDestroyed_);
+    EXPECT_FALSE(ranOn_);
+  }
+
+  std::atomic<bool> started_{false}, localDestroyed_{false}, ranOn_{false};
+};
+
+TEST_F(QuitTest, LeavesTheClosingTextOnTheLastLine) {
+  initTextWindow(0, 24, 16, 3);
+  t_CursorHome(0);
+  t_ClearEndOfWindow(0);
+  t_Print(0, "\x0F\x14hello");  // inverse and mode 1, which the closing text must not use
+  t_WindowVisible(0, true);
+  clearLog();
+  const int redraws = testHost().windowState(0).Redraws;
+  quitOnProgramThread(0);
+  EXPECT_EQ(logText(), "t_QuitProgram: Quitting current thread with message in window #0.\n");
+  EXPECT_EQ(screenText(0).substr(17), std::string(16, ' ') + "\n(Programm Ende) \n");
+  EXPECT_EQ(screenColors(0).substr(2 * 48), "10 10 10 10 10 10 10 10 10 10 10 10 10 10 10 C0\n");
+  EXPECT_GT(testHost().windowState(0).Redraws, redraws);
+}
+
+TEST_F(QuitTest, WithoutAWindowOnlyLogsAndEnds) {
+  initTextWindow(0, 24, 16, 3);
+  const std::string screen = screenText(0);
+  quitOnProgramThread(20);
+  EXPECT_EQ(logText(), "t_QuitProgram: Quitting current thread.\n");
+  EXPECT_EQ(screenText(0), screen);
 }
 
 }  // namespace

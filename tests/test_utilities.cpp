@@ -1,16 +1,18 @@
-// Tests of the random numbers and text utilities: t_Random on a scripted random source and on
-// the system's, typed input to integers, positions and middles of texts counted in characters,
-// real numbers with a decimal comma, hexadecimal and "K" figures, and UTF-8 decoding.
+// The random numbers on a scripted and the system's source, and the text utilities: integers,
+// positions and middles in characters, reals with a decimal comma, figures, UTF-8.
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <set>
+#include <tuple>
 
 #include "common.hpp"
 #include "runtime/utilities.hpp"
 
 namespace rvtools::testing {
 namespace {
+
+constexpr Int Smallest = std::numeric_limits<Int>::min(), Largest = std::numeric_limits<Int>::max();
 
 // A random source and clock that give the same values every time: eight draws of
 // 0x100 x 0xCA00 (1e9 ns), so seven bytes 0xCA and seven bits 0x4A. The first `ZeroWords`
@@ -50,9 +52,8 @@ TEST_F(RandomTest, MixesEightDrawsIntoOneRemainderRedrawingZeroFactors) {
   EXPECT_EQ(t_Random(0), ScriptedValue % 76);
   EXPECT_EQ(t_Random(-5), 2);
   EXPECT_EQ(LastRandom, 2);
-  EXPECT_EQ(t_Random(std::numeric_limits<Int>::max()), ScriptedValue);
+  EXPECT_EQ(t_Random(Largest), ScriptedValue);
   EXPECT_EQ(scripted.WordDraws, 32);
-
   // Zero factors are drawn again, at most a hundred times for each byte.
   scripted.WordDraws = 0;
   scripted.ZeroWords = 3;
@@ -75,67 +76,48 @@ TEST_F(RandomTest, StaysInRangeOnTheSystemSource) {
   EXPECT_TRUE(*fours.begin() >= 0 && *fours.rbegin() <= 3);
 }
 
-Int integerOf(std::string_view text) {
-  return BytesToInteger(TextToBytes(text));
-}
-
 TEST(TextConversion, ReadsLeadingBlanksMinusAndDigitsWrappingAround) {
   EXPECT_EQ(TextToBytes("é!"), (std::vector<UInt8>{0xC3, 0xA9, '!'}));
-  EXPECT_EQ(integerOf(""), 0);
-  EXPECT_EQ(integerOf("-"), 0);
-  EXPECT_EQ(integerOf("-  42x"), -42);
-  EXPECT_EQ(integerOf(" - 7"), -7);
-  EXPECT_EQ(integerOf("4 2"), 4);
-  EXPECT_EQ(integerOf("12ab"), 12);
-  EXPECT_EQ(integerOf("+5"), 0);
-  EXPECT_EQ(integerOf("9223372036854775808"), std::numeric_limits<Int>::min());
-  EXPECT_EQ(integerOf("18446744073709551623"), 7);
-  EXPECT_EQ(integerOf("-18446744073709551617"), -1);
+  std::vector<Int> values;
+  for (const char* text : {"", "-", "-  42x", " - 7", "4 2", "12ab", "+5", "9223372036854775808",
+                           "18446744073709551623", "-18446744073709551617"}) {
+    values.push_back(BytesToInteger(TextToBytes(text)));
+  }
+  EXPECT_EQ(values, (std::vector<Int>{0, 0, -42, -7, 4, 12, 0, Smallest, 7, -1}));
 }
 
+// Positions and middles count characters; a start below 1 searches the whole text but is still
+// added; a middle takes up to `length` characters, an invalid byte being one.
 TEST(TextSearch, PositionsAndMiddlesCountCharacters) {
-  EXPECT_EQ(TextPosition("abc", "c", 2), 3);
-  EXPECT_EQ(TextPosition("abcabc", "a", 2), 4);
-  EXPECT_EQ(TextPosition("abc", "c", 4), 0);
-  EXPECT_EQ(TextPosition("abc", "", 1), 0);
-  EXPECT_EQ(TextPosition("äö€x", "x", 1), 4);
-  EXPECT_EQ(TextPosition("€a€a", "a", 3), 4);
-  // A start below 1 searches the whole text but is still added.
-  EXPECT_EQ(TextPosition("abc", "a", 0), 0);
-  EXPECT_EQ(TextPosition("abc", "c", 0), 2);
-  EXPECT_EQ(TextPosition("abc", "c", -5), -3);
-
-  // A middle takes up to `length` characters.
-  EXPECT_EQ(TextMiddle("Hello", 4, 10), "lo");
-  EXPECT_EQ(TextMiddle("Hello", 0, 2), "He");
-  EXPECT_EQ(TextMiddle("Hello", 6, 1), "");
-  EXPECT_EQ(TextMiddle("Hello", -3, 10), "Hello");
-  EXPECT_EQ(TextMiddle("Hello", 3, -1), "");
-  EXPECT_EQ(TextMiddle("Hello", 3, std::numeric_limits<Int>::max()), "llo");
-  EXPECT_EQ(TextMiddle("äö€x", 2, 2), "ö€");
-  EXPECT_EQ(TextMiddle("a\377b", 2, 1), "\377");  // an invalid byte is one character
+  const std::tuple<const char*, const char*, Int, Int> positions[] = {
+      {"abc", "c", 2, 3}, {"abcabc", "a", 2, 4}, {"abc", "c", 4, 0},
+      {"abc", "", 1, 0},  {"äö€x", "x", 1, 4},   {"€a€a", "a", 3, 4},
+      {"abc", "a", 0, 0}, {"abc", "c", 0, 2},    {"abc", "c", -5, -3}};
+  for (const auto& [text, pattern, start, position] : positions) {
+    EXPECT_EQ(TextPosition(text, pattern, start), position) << text << " " << start;
+  }
+  const std::tuple<const char*, Int, Int, const char*> middles[] = {
+      {"Hello", 4, 10, "lo"},     {"Hello", 0, 2, "He"},   {"Hello", 6, 1, ""},
+      {"Hello", -3, 10, "Hello"}, {"Hello", 3, -1, ""},    {"Hello", 3, Largest, "llo"},
+      {"äö€x", 2, 2, "ö€"},       {"a\377b", 2, 1, "\377"}};
+  for (const auto& [text, start, length, middle] : middles) {
+    EXPECT_EQ(TextMiddle(text, start, length), middle) << text << " " << start;
+  }
 }
 
 TEST(NumberFigures, RealsWithDecimalCommaHexadecimalAndKilobytes) {
-  EXPECT_EQ(RealToText(3.0), "3");
-  EXPECT_EQ(RealToText(2.5), "2,5");
-  EXPECT_EQ(RealToText(1.0 / 3.0), "0,3333333333333333");
-  EXPECT_EQ(RealToText(-2.5), "-2,5");
-  EXPECT_EQ(RealToText(0.0001), "0,0001");
-  EXPECT_EQ(RealToText(1e-05), "1e-05");
-  EXPECT_EQ(RealToText(1e16), "1e+16");
-  EXPECT_EQ(RealToText(1.5e20), "1,5e+20");
-  EXPECT_EQ(RealToText(0.0), "0");
-  EXPECT_EQ(RealToText(-0.0), "-0");
-  EXPECT_EQ(RealToText(-std::nan("")), "nan");
-  EXPECT_EQ(RealToText(std::numeric_limits<double>::infinity()), "inf");
-  EXPECT_EQ(RealToText(-std::numeric_limits<double>::infinity()), "-inf");
+  constexpr double Infinity = std::numeric_limits<double>::infinity();
+  const std::pair<double, const char*> reals[] = {
+      {3.0, "3"},         {2.5, "2,5"},           {1.0 / 3.0, "0,3333333333333333"},
+      {-2.5, "-2,5"},     {0.0001, "0,0001"},     {1e-05, "1e-05"},
+      {1e16, "1e+16"},    {1.5e20, "1,5e+20"},    {0.0, "0"},
+      {-0.0, "-0"},       {-std::nan(""), "nan"}, {Infinity, "inf"},
+      {-Infinity, "-inf"}};
+  for (const auto& [value, text] : reals) EXPECT_EQ(RealToText(value), text);
   EXPECT_EQ(ByteToHex(0x0F), "0F");
-  EXPECT_EQ(HexText(0xFFFFFF), "00FFFFFF");
-  EXPECT_EQ(HexText(0x123456789AB), "456789AB");
-  EXPECT_EQ(HexText(-1), "FFFFFFFF");
-  EXPECT_EQ(kilobyteText(3072000), "3000,00");
-  EXPECT_EQ(kilobyteText(4000), "3,91");
+  EXPECT_EQ((Lines{HexText(0xFFFFFF), HexText(0x123456789AB), HexText(-1)}),
+            (Lines{"00FFFFFF", "456789AB", "FFFFFFFF"}));
+  EXPECT_EQ((Lines{kilobyteText(3072000), kilobyteText(4000)}), (Lines{"3000,00", "3,91"}));
 }
 
 TEST(UnicodeScalars, DecodeReplacesEachBadByteAndEncodeReplacesNonScalars) {

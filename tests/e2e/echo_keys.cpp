@@ -1,6 +1,5 @@
-// A small desktop program for the end-to-end tests: one window of 40 x 10 characters that takes
-// key after key with t_GetKey, prints each key's Value in the window and logs it as
-// "Key: <value>". It runs until the application is quit.
+// A desktop program for the end-to-end tests: a window of 40 x 10 characters that prints the Value
+// of each key t_GetKey takes and logs it as "Key: <value>", until the application is quit.
 #include <string>
 #include <vector>
 

@@ -1,7 +1,5 @@
-// A program for the repeated-quit test: it prints and draws on its window, asks the application
-// to quit as soon as it has done both once, and then goes on printing and drawing, each round
-// waiting for the GUI thread to show the picture, so that the quit always meets a busy program
-// thread.
+// A program for the repeated-quit test: it asks the application to quit once it has printed and
+// drawn, and goes on printing and drawing, each round waiting for the GUI thread.
 #include <QCoreApplication>
 #include <string>
 

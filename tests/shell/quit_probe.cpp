@@ -1,6 +1,5 @@
-// A program for the launch test: it asks the application to quit shortly after it starts and
-// then keeps its program thread busy with calls that wait for the GUI thread, so that the quit
-// happens while the program thread still runs.
+// A program for the launch test: it asks the application to quit after 200 ms and keeps its
+// program thread busy with calls that wait for the GUI thread.
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <chrono>

@@ -3,18 +3,12 @@
 
 #include <QMenu>
 #include <QTest>
-#include <mutex>
-#include <sstream>
 
-#include "runtime/log.hpp"
 #include "shell/dialogs.hpp"
 #include "shell/qt_host.hpp"
 
 namespace rvtools::testing {
 namespace {
-
-std::mutex logMutex;
-std::string capturedLog;
 
 shell::QtHost& shellHost() {
   static auto* host = new shell::QtHost(shellDelegate());
@@ -39,26 +33,11 @@ shell::AppDelegate& shellDelegate() {
 }
 
 void ShellTest::SetUp() {
-  setHost(shellHost());
   shell::setDialogRunner([](QDialog&) {
     ADD_FAILURE() << "a dialog the test did not expect";
     return int{QDialog::Rejected};
   });
-  // The refresh thread's own start and end lines come at moments no test controls.
-  setLogSink([](std::string_view text) {
-    if (text.starts_with("t_WindowAutoUpdateProcess: ")) return;
-    std::lock_guard lock(logMutex);
-    capturedLog += text;
-  });
-  if (!ToolsInitialized) initrvtools();
-  MemoryInitStarted = false;
-  MemoryInitialized = false;
-  EventQueue.clear();
-  MouseEventQueue.clear();
-  MenuEventQueue.clear();
-  t_InitMemory();
-  std::lock_guard lock(logMutex);
-  capturedLog.clear();
+  startFreshRuntime(shellHost());
 }
 
 void ShellTest::TearDown() {
@@ -85,20 +64,11 @@ void ShellTest::choose(const QString& menu, const QString& title) {
   item->trigger();
 }
 
-std::vector<std::string> ShellTest::logLines() const {
-  std::lock_guard lock(logMutex);
-  std::vector<std::string> lines;
-  std::istringstream text(capturedLog);
-  for (std::string line; std::getline(text, line);) lines.push_back(line);
-  return lines;
-}
-
 void ShellTest::initGraphicWindow(UInt8 window, Int width, Int height, Int border,
                                   bool autoUpdate) {
   t_InitWindow(window, 8, autoUpdate, width, height, border, border, t_Font{}, true);
   ASSERT_TRUE(Windows[window].Initialized);
-  std::lock_guard lock(logMutex);
-  capturedLog.clear();
+  clearLog();
 }
 
 void ShellTest::initTextWindow(UInt8 window, Int columns, Int lines) {
@@ -107,8 +77,7 @@ void ShellTest::initTextWindow(UInt8 window, Int columns, Int lines) {
   ASSERT_GE(Windows[window].TextMemoryStart, 0);
   t_CursorHome(window);
   t_ClearEndOfWindow(window);
-  std::lock_guard lock(logMutex);
-  capturedLog.clear();
+  clearLog();
 }
 
 void ShellTest::bringToFront(UInt8 window) {

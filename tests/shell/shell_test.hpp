@@ -1,16 +1,11 @@
-// Shell test helpers: the delegate and host shared by all tests, and a fixture that gives each
-// test a fresh runtime on the Qt host with the log captured. Dialogs that a test does not answer
-// itself (shell::setDialogRunner) are cancelled.
+// Shell test helpers: the delegate and host shared by all tests and a fresh runtime on the Qt host
+// for each; dialogs that a test does not answer itself are cancelled.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include <QAction>
 #include <QString>
-#include <string>
-#include <vector>
 
-#include "rvtools/rvtools.hpp"
+#include "common.hpp"
 #include "shell/app_delegate.hpp"
 
 namespace rvtools::testing {
@@ -23,8 +18,6 @@ class ShellTest : public ::testing::Test {
   void SetUp() override;
   // Hides every window and stops the refresh before the next test makes fresh records.
   void TearDown() override;
-
-  std::vector<std::string> logLines() const;
   // The item of that title in the menu of that title, or null.
   static QAction* menuItem(const QString& menu, const QString& title);
   // Opens the menu (which brings its items' enabled states up to date) and chooses the item.

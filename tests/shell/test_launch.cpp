@@ -1,5 +1,5 @@
-// A whole desktop program: the launch logs its steps in order, and a quit while the program
-// thread still runs (and waits for the GUI thread) ends the process at once with status 0.
+// Whole desktop programs on the offscreen platform: the launch in order, and quits while the
+// program thread still runs ending the process at once with status 0, a hundred times.
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
@@ -8,21 +8,25 @@
 
 namespace {
 
-TEST(LaunchTest, LaunchesInOrderAndQuitsWithoutWaitingForTheProgram) {
-  QProcess probe;
+// Starts a probe on the offscreen platform.
+void startProbe(QProcess& probe, const char* path) {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("QT_QPA_PLATFORM", "offscreen");
   probe.setProcessEnvironment(environment);
+  probe.start(path, {});
+}
+
+TEST(LaunchTest, LaunchesInOrderAndQuitsWithoutWaitingForTheProgram) {
+  QProcess probe;
   QElapsedTimer timer;
   timer.start();
-  probe.start(RVTOOLS_QUIT_PROBE, {});
+  startProbe(probe, RVTOOLS_QUIT_PROBE);
   ASSERT_TRUE(probe.waitForFinished(10000));
   // The program asks to quit after 200 ms; start-up and the exit take the rest.
   EXPECT_LT(timer.elapsed(), 3000);
   EXPECT_EQ(probe.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(probe.exitCode(), 0);
-  const QString log = QString::fromUtf8(probe.readAllStandardOutput());
-  EXPECT_EQ(log,
+  EXPECT_EQ(QString::fromUtf8(probe.readAllStandardOutput()),
             "applicationWillFinishLaunching: Called.\n"
             "applicationDidFinishLaunching: Start.\n"
             "initrvtools: Start.\n"
@@ -30,6 +34,39 @@ TEST(LaunchTest, LaunchesInOrderAndQuitsWithoutWaitingForTheProgram) {
             "Program: Start.\n"
             "applicationDidFinishLaunching: End.\n"
             "applicationWillTerminate: Called.\n");
+}
+
+// The problem with one run of the drawing probe, or an empty text when it ended as it should.
+QString problemOfOneRun() {
+  QProcess probe;
+  startProbe(probe, RVTOOLS_DRAWING_QUIT_PROBE);
+  if (!probe.waitForFinished(30000)) {
+    probe.kill();
+    probe.waitForFinished();
+    return "did not end";
+  }
+  const QString log = QString::fromUtf8(probe.readAllStandardOutput());
+  if (probe.exitStatus() != QProcess::NormalExit) return "crashed:\n" + log;
+  if (probe.exitCode() != 0) return "ended with status " + QString::number(probe.exitCode());
+  if (!log.contains("Probe: printed and drawn.\n") ||
+      !log.contains("applicationWillTerminate: Called.\n")) {
+    return "quit before the program drew, or without terminating:\n" + log;
+  }
+  return {};
+}
+
+TEST(RepeatedQuitTest, HundredQuitsWhileTheProgramDrawsEndWithStatusZero) {
+  constexpr int Runs = 100;
+  int clean = 0;
+  for (int run = 0; run < Runs; ++run) {
+    const QString problem = problemOfOneRun();
+    if (problem.isEmpty()) {
+      ++clean;
+    } else {
+      ADD_FAILURE() << "run " << run << ": " << problem.toStdString();
+    }
+  }
+  EXPECT_EQ(clean, Runs);
 }
 
 }  // namespace

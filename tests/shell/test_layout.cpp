@@ -26,7 +26,6 @@ TEST(PictureLayoutTest, ScalesByWholeFactorsCentredAndFractionalOnlyBelowOne) {
   const PictureLayout shrunk = layoutPicture({40, 64}, 1.0, geometry);
   EXPECT_EQ(shrunk.Scale, 0.5);
   EXPECT_EQ(shrunk.View, QRect(4, 20, 32, 24));
-
   // On a screen of two device pixels a point, 81 x 64 points hold the content 2 x 1 times in
   // points, so each picture pixel becomes 2 x 2 device pixels at whole factor 2.
   const PictureLayout dense = layoutPicture({81, 64}, 2.0, geometry);

@@ -1,6 +1,5 @@
-// The menus on the offscreen platform: one set of menus with the tags of the headless host in
-// every window's bar, chosen items reaching the runtime, items enabled only while they can act,
-// the runtime's file panels answered by the test, and the printer's and console's views.
+// The menus on the offscreen platform: one set with the headless host's tags in every window,
+// choices reaching the runtime, items enabled only while they can act, file panels, text views.
 #include <QClipboard>
 #include <QFileDialog>
 #include <QGuiApplication>
@@ -108,7 +107,6 @@ TEST_F(MenuTest, ItemsAreEnabledOnlyWhileTheyCanAct) {
   // A program still reaches the refusal of an item the menu disables.
   t_MenuEventHandler({true, "Window", "Show Window 4", "", 0, 0, MenuTag::showGraphicWindow(4)});
   EXPECT_EQ(logLines().back(), "t_MenuEventHandler: Window #4 not initialized.");
-
   // Picture and text of a graphic window in front; printing only for the printer's paper.
   t_WindowFront(3);
   ASSERT_TRUE(QTest::qWaitForWindowActive(&graphicWindow(3)));

@@ -63,18 +63,15 @@ TEST_F(ViewTest, ClicksAddressPicturePixelsAtEveryScale) {
     return event ? std::pair{event->ClickX, event->ClickY} : std::pair<Int, Int>{-9, -9};
   };
   using Position = std::pair<Int, Int>;
-
   // Points of the window's content count from its top left, below the menu bar.
   const int top = window.menuBarHeight();
   auto at = [top](int x, int y) { return QPoint(x, y + top); };
-
   // A click at the content's point (8, 8) lands in the view's top-left corner.
   EXPECT_EQ(clickPosition(window, at(8, 8), Qt::LeftButton), Position(0, 0));
   EXPECT_EQ(clickPosition(window.view(), {63, 47}, Qt::LeftButton), Position(63, 47));
   EXPECT_EQ(clickPosition(window, at(3, 20), Qt::LeftButton), Position(-1, 12));
   EXPECT_EQ(clickPosition(window, at(75, 20), Qt::LeftButton), Position(-2, 12));
   EXPECT_EQ(clickPosition(window, at(20, 60), Qt::RightButton), Position(12, -2));
-
   // 170 x 140 holds the 80 x 64 content twice, centred 5 and 6 pixels in.
   window.resizeContent(170, 140);
   EXPECT_EQ(clickPosition(window.view(), {10, 21}, Qt::LeftButton), Position(5, 10));
@@ -189,7 +186,6 @@ TEST_F(ViewTest, AuxiliaryWindowsOpenAtPlacesOfTheirOwn) {
     places.insert({frame.x(), frame.y()});
   }
   EXPECT_EQ(places.size(), 5u);
-
   // A window the program has placed stays where it was put.
   shellDelegate().PreferencesWindow->hide();
   t_WindowPos(PreferencesWindowNumber, 3, 4);

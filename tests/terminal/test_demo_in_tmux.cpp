@@ -1,21 +1,125 @@
-// The drop demo in a real terminal emulator, tmux, at 80 x 26: the prompt, a smaller terminal,
-// a click, the Ctrl+] menu (copy text into the terminal's clipboard, save the picture), the
-// delay typed as keys and pasted, the full tub with the closing text in its colours; the
-// terminal given back after the program's end, the menu's Quit, a hang-up and a crash; and a
-// program that ends with its pane.
+// The drop demo in tmux at 80 x 26 as a user meets it, and the terminal given back after the
+// program's end, the menu's Quit, a hang-up and a crash, and when the pane goes.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sstream>
+#include <string>
 #include <thread>
-
-#include "tmux_session.hpp"
+#include <vector>
 
 namespace rvtools::terminal::test {
 namespace {
+
+using namespace std::chrono_literals;
+
+std::string shellQuoted(const std::string& text) {
+  std::string out = "'";
+  for (const char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return out + "'";
+}
+
+std::string outputOf(const std::string& command) {
+  std::string output;
+  if (FILE* pipe = popen(command.c_str(), "r")) {
+    std::array<char, 4096> buffer;
+    for (std::size_t count; (count = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
+      output.append(buffer.data(), count);
+    }
+    pclose(pipe);
+  }
+  return output;
+}
+
+// A tmux server of the test's own, on a socket in a temporary folder of its own, so that tests
+// run side by side and never meet the user's tmux; killed with its panes at the end. Its one pane
+// of columns x lines runs a shell command in that folder, with COLORTERM=truecolor and the
+// clipboard open to programs (OSC 52).
+class TmuxSession {
+ public:
+  TmuxSession(const std::string& command, int columns, int lines) {
+    char pattern[] = "/tmp/rvtools-terminal-XXXXXX";
+    folder_ = mkdtemp(pattern);
+    socket_ = folder_ + "/tmux";
+    tmux("-f /dev/null new-session -d -x " + std::to_string(columns) + " -y " +
+         std::to_string(lines) + " -c " + shellQuoted(folder_) + " -e COLORTERM=truecolor " +
+         shellQuoted(command) + " \\; set-option -g set-clipboard on");
+  }
+  ~TmuxSession() {
+    tmux("kill-server");
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  TmuxSession(const TmuxSession&) = delete;
+  TmuxSession& operator=(const TmuxSession&) = delete;
+
+  const std::string& folder() const { return folder_; }
+  // Runs tmux with `arguments` (already quoted for the shell) on this server; its output.
+  std::string tmux(const std::string& arguments) const {
+    return outputOf(std::string(RVTOOLS_TMUX) + " -S " + shellQuoted(socket_) + " " + arguments +
+                    " 2>/dev/null");
+  }
+  // The pane's lines, with SGR colour sequences when `colours`.
+  std::vector<std::string> screen(bool colours = false) const {
+    std::istringstream text(tmux(colours ? "capture-pane -p -e" : "capture-pane -p"));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    return lines;
+  }
+  // Waits until `wanted` holds for the screen (as text); false after the timeout.
+  bool waitForScreen(const std::function<bool(const std::vector<std::string>&)>& wanted,
+                     std::chrono::milliseconds timeout = 20s) const {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    for (;;) {
+      if (wanted(screen())) return true;
+      if (std::chrono::steady_clock::now() >= deadline) return false;
+      std::this_thread::sleep_for(50ms);
+    }
+  }
+  bool waitForLine(int line, const std::string& start,
+                   std::chrono::milliseconds timeout = 20s) const {
+    return waitForScreen(
+        [&](const std::vector<std::string>& lines) {
+          return static_cast<int>(lines.size()) > line && lines[line].starts_with(start);
+        },
+        timeout);
+  }
+  void sendKeys(const std::string& keys) const { tmux("send-keys " + keys); }
+  // A tmux format of the pane, such as "#{alternate_on}".
+  std::string paneFormat(const std::string& format) const {
+    std::string value = tmux("display-message -p " + shellQuoted(format));
+    while (!value.empty() && value.back() == '\n') value.pop_back();
+    return value;
+  }
+  // The process that the pane's shell started, or 0.
+  int programProcess() const {
+    const std::string shell = paneFormat("#{pane_pid}");
+    std::ifstream children("/proc/" + shell + "/task/" + shell + "/children");
+    int process = 0;
+    children >> process;
+    return process;
+  }
+
+ private:
+  std::string folder_;
+  std::string socket_;
+};
+
+// Whether process `process` is gone (or only waits to be reaped).
+bool processEnded(int process) {
+  std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+  std::string pid, name, state;
+  return !(status >> pid >> name >> state) || state == "Z";
+}
 
 const std::string Prompt = "Verzögerung in hundertstel ms: 5000";
 
@@ -97,13 +201,11 @@ TEST(DemoInTmux, RunsToTheFullTubAndGivesTheTerminalBack) {
   ASSERT_TRUE(session.waitForLine(3, Prompt));
   EXPECT_EQ(colourAt(joined(session.screen(true)), Prompt, "38"), "0;255;0");
   EXPECT_TRUE(session.screen()[25].ends_with("Ctrl+] menu"));
-
   // A smaller terminal shows what fits and says so; the whole window comes back with the size.
   session.tmux("resize-window -x 60 -y 20");
   EXPECT_TRUE(session.waitForLine(19, "Terminal 60 x 20, window 80 x 25: showing what fits."));
   session.tmux("resize-window -x 80 -y 26");
   EXPECT_TRUE(session.waitForLine(25, "Kessvind"));
-
   // A click on column 5, line 3 is one at the top left pixel of that cell.
   session.tmux("send-keys -l '\x1B[<0;5;3M\x1B[<0;5;3m'");
   EXPECT_TRUE(waitForFileText(session.folder() + "/log",
