@@ -86,8 +86,12 @@ TEST_F(FontTest, RefusesUnreadableFilesAndBadHeaders) {
   EXPECT_TRUE(missing.Data.empty());
   EXPECT_EQ(missing.HeaderSize, 16);
   t_LoadFontResource("");  // the resources folder itself
+  // A file of endless size is given up after 64 MiB.
+  const std::string endless = "../../../../../../../../../../../../proc/self/pagemap";
+  EXPECT_TRUE(t_LoadFontResource(endless).Data.empty());
   EXPECT_EQ(logLines(), (Lines{"t_LoadFontResource: Could not load file „No Such 8x8.font“",
-                               "t_LoadFontResource: Could not load file „“"}));
+                               "t_LoadFontResource: Could not load file „“",
+                               "t_LoadFontResource: Could not load file „" + endless + "“"}));
 
   clearLog();
   std::vector<UInt8> file = fontFile(2, {});
