@@ -16,37 +16,30 @@
 namespace rvtools::headless {
 namespace {
 
-// A key that types no text, as the desktop reports it: its private-use character and the
-// function flag, the arrows also the numeric-pad flag.
-KeyStroke keyWithoutText(Int keyNumber, char32_t character, bool arrow = false) {
-  return {keyNumber, utf8Of(character), FunctionFlag | (arrow ? NumericPadFlag : 0)};
-}
-
 std::optional<KeyStroke> namedKey(std::string_view name) {
-  const std::pair<std::string_view, KeyStroke> keys[] = {
-      {"Left", keyWithoutText(Key::Left, KeyCharacter::Left, true)},
-      {"Right", keyWithoutText(Key::Right, KeyCharacter::Right, true)},
-      {"Up", keyWithoutText(Key::Up, KeyCharacter::Up, true)},
-      {"Down", keyWithoutText(Key::Down, KeyCharacter::Down, true)},
-      {"Home", keyWithoutText(Key::Home, KeyCharacter::Home)},
-      {"End", keyWithoutText(Key::End, KeyCharacter::End)},
-      {"PageUp", keyWithoutText(Key::PageUp, KeyCharacter::PageUp)},
-      {"PageDown", keyWithoutText(Key::PageDown, KeyCharacter::PageDown)},
-      {"Delete", keyWithoutText(Key::ForwardDelete, KeyCharacter::ForwardDelete)},
+  const std::pair<std::string_view, Int> keysWithoutText[] = {
+      {"Left", Key::Left},     {"Right", Key::Right},       {"Up", Key::Up},
+      {"Down", Key::Down},     {"Home", Key::Home},         {"End", Key::End},
+      {"PageUp", Key::PageUp}, {"PageDown", Key::PageDown}, {"Delete", Key::ForwardDelete},
+  };
+  for (const auto& [keyName, number] : keysWithoutText) {
+    if (keyName == name) return keyStrokeOfKeyWithoutText(number);
+  }
+  const std::pair<std::string_view, KeyStroke> keysWithText[] = {
       {"Backspace", {Key::Backspace, "\x7F", 0}},
       {"Return", {Key::Return, "\r", 0}},
       {"Enter", {Key::KeypadEnter, "\x03", NumericPadFlag}},
       {"Escape", {Key::Escape, "\x1B", 0}},
       {"Tab", {Key::Tab, "\t", 0}},
   };
-  for (const auto& [keyName, stroke] : keys) {
+  for (const auto& [keyName, stroke] : keysWithText) {
     if (keyName == name) return stroke;
   }
   if (name.size() >= 2 && name[0] == 'F') {
     int n = 0;
     const auto [end, problem] = std::from_chars(name.data() + 1, name.data() + name.size(), n);
-    if (problem == std::errc() && end == name.data() + name.size() && n >= 1 && n <= 12) {
-      return keyWithoutText(functionKeyNumber(n), KeyCharacter::F1 + n - 1);
+    if (problem == std::errc() && end == name.data() + name.size()) {
+      return keyStrokeOfKeyWithoutText(functionKeyNumber(n));
     }
   }
   return std::nullopt;

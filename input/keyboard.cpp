@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "runtime/clock.hpp"
@@ -384,6 +385,32 @@ Int functionKeyNumber(int n) {
   constexpr Int Numbers[12] = {Key::F1, Key::F2, Key::F3, Key::F4,  Key::F5,  Key::F6,
                                Key::F7, Key::F8, Key::F9, Key::F10, Key::F11, Key::F12};
   return n >= 1 && n <= 12 ? Numbers[n - 1] : Key::Unknown;
+}
+
+std::optional<KeyStroke> keyStrokeOfKeyWithoutText(Int keyNumber) {
+  constexpr Int ArrowFlags = FunctionFlag | NumericPadFlag;
+  constexpr std::tuple<Int, char32_t, Int> Keys[] = {
+      {Key::Up, KeyCharacter::Up, ArrowFlags},
+      {Key::Down, KeyCharacter::Down, ArrowFlags},
+      {Key::Left, KeyCharacter::Left, ArrowFlags},
+      {Key::Right, KeyCharacter::Right, ArrowFlags},
+      {Key::Home, KeyCharacter::Home, FunctionFlag},
+      {Key::End, KeyCharacter::End, FunctionFlag},
+      {Key::PageUp, KeyCharacter::PageUp, FunctionFlag},
+      {Key::PageDown, KeyCharacter::PageDown, FunctionFlag},
+      {Key::Insert, KeyCharacter::Insert, FunctionFlag},
+      {Key::ForwardDelete, KeyCharacter::ForwardDelete, FunctionFlag},
+      {Key::KeypadClear, KeyCharacter::Clear, ArrowFlags},
+  };
+  for (const auto& [number, character, flags] : Keys) {
+    if (number == keyNumber) return KeyStroke{keyNumber, utf8Of(character), flags};
+  }
+  for (int n = 1; n <= 12; ++n) {
+    if (functionKeyNumber(n) == keyNumber) {
+      return KeyStroke{keyNumber, utf8Of(KeyCharacter::F1 + n - 1), FunctionFlag};
+    }
+  }
+  return std::nullopt;
 }
 
 std::optional<KeyStroke> keyStrokeOfCharacter(char32_t character) {

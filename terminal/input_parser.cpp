@@ -20,32 +20,11 @@ constexpr std::size_t LongestSequence = 64;
 // Larger numbers in a sequence are cut to this, which no code reaches.
 constexpr int LargestParameter = 9999;
 
-// A key without text: its number, its private-use character and the flags the desktop sets.
-struct NamedKey {
-  Int KeyNumber;
-  char32_t Character;
-  Int Flags;
-};
-
-constexpr Int ArrowFlags = FunctionFlag | NumericPadFlag;
-constexpr NamedKey UpKey{Key::Up, KeyCharacter::Up, ArrowFlags};
-constexpr NamedKey DownKey{Key::Down, KeyCharacter::Down, ArrowFlags};
-constexpr NamedKey RightKey{Key::Right, KeyCharacter::Right, ArrowFlags};
-constexpr NamedKey LeftKey{Key::Left, KeyCharacter::Left, ArrowFlags};
-constexpr NamedKey HomeKey{Key::Home, KeyCharacter::Home, FunctionFlag};
-constexpr NamedKey EndKey{Key::End, KeyCharacter::End, FunctionFlag};
-constexpr NamedKey InsertKey{Key::Insert, KeyCharacter::Insert, FunctionFlag};
-constexpr NamedKey DeleteKey{Key::ForwardDelete, KeyCharacter::ForwardDelete, FunctionFlag};
-constexpr NamedKey PageUpKey{Key::PageUp, KeyCharacter::PageUp, FunctionFlag};
-constexpr NamedKey PageDownKey{Key::PageDown, KeyCharacter::PageDown, FunctionFlag};
-constexpr NamedKey ClearKey{Key::KeypadClear, KeyCharacter::Clear, ArrowFlags};
-
-NamedKey functionKey(int n) {
-  return {functionKeyNumber(n), static_cast<char32_t>(KeyCharacter::F1 + n - 1), FunctionFlag};
-}
-
-KeyStroke strokeOf(const NamedKey& key, Int extraFlags) {
-  return {key.KeyNumber, utf8Of(key.Character), key.Flags | extraFlags};
+// A key without text as the desktop reports it, with the modifiers of the sequence besides.
+KeyStroke strokeOf(Int keyNumber, Int extraFlags) {
+  KeyStroke stroke = *keyStrokeOfKeyWithoutText(keyNumber);
+  stroke.Flags |= extraFlags;
+  return stroke;
 }
 
 // The modifier parameter of xterm's sequences as modifier flags.
@@ -61,58 +40,58 @@ Int modifierFlags(int parameter) {
 }
 
 // The key of a sequence's final letter, in the CSI and the SS3 form alike.
-std::optional<NamedKey> letterKey(char letter) {
+std::optional<Int> letterKey(char letter) {
   switch (letter) {
     case 'A':
-      return UpKey;
+      return Key::Up;
     case 'B':
-      return DownKey;
+      return Key::Down;
     case 'C':
-      return RightKey;
+      return Key::Right;
     case 'D':
-      return LeftKey;
+      return Key::Left;
     case 'H':
-      return HomeKey;
+      return Key::Home;
     case 'F':
-      return EndKey;
+      return Key::End;
     case 'E':
-      return ClearKey;
+      return Key::KeypadClear;
     case 'P':
     case 'Q':
     case 'R':
     case 'S':
-      return functionKey(letter - 'P' + 1);
+      return functionKeyNumber(letter - 'P' + 1);
     default:
       return std::nullopt;
   }
 }
 
 // The key of a VT220 "~" sequence's first number.
-std::optional<NamedKey> tildeKey(int code) {
+std::optional<Int> tildeKey(int code) {
   switch (code) {
     case 1:
     case 7:
-      return HomeKey;
+      return Key::Home;
     case 2:
-      return InsertKey;
+      return Key::Insert;
     case 3:
-      return DeleteKey;
+      return Key::ForwardDelete;
     case 4:
     case 8:
-      return EndKey;
+      return Key::End;
     case 5:
-      return PageUpKey;
+      return Key::PageUp;
     case 6:
-      return PageDownKey;
+      return Key::PageDown;
     case 23:
-      return functionKey(11);
+      return functionKeyNumber(11);
     case 24:
-      return functionKey(12);
+      return functionKeyNumber(12);
     default:
       break;
   }
-  if (code >= 11 && code <= 15) return functionKey(code - 10);
-  if (code >= 17 && code <= 21) return functionKey(code - 11);
+  if (code >= 11 && code <= 15) return functionKeyNumber(code - 10);
+  if (code >= 17 && code <= 21) return functionKeyNumber(code - 11);
   return std::nullopt;
 }
 
@@ -262,7 +241,7 @@ InputParser::Step InputParser::readControlSequence(std::string_view bytes) {
   if (bytes.size() >= 3 && bytes[2] == '[') {
     if (bytes.size() < 4) return {};
     if (bytes[3] >= 'A' && bytes[3] <= 'E')
-      return {4, strokeOf(functionKey(bytes[3] - 'A' + 1), 0)};
+      return {4, strokeOf(functionKeyNumber(bytes[3] - 'A' + 1), 0)};
     return {4, std::nullopt};
   }
   // A mouse report in xterm's first form: Escape [ M and three bytes of 32 + value.
@@ -306,13 +285,13 @@ InputParser::Step InputParser::readControlSequence(std::string_view bytes) {
       pasted_.clear();
       return done;
     }
-    if (const std::optional<NamedKey> key = tildeKey(code)) {
+    if (const std::optional<Int> key = tildeKey(code)) {
       return {done.Consumed, strokeOf(*key, flags)};
     }
     return done;
   }
   if (final == 'Z') return {done.Consumed, KeyStroke{Key::Tab, "\x19", ShiftFlag | flags}};
-  if (const std::optional<NamedKey> key = letterKey(final)) {
+  if (const std::optional<Int> key = letterKey(final)) {
     return {done.Consumed, strokeOf(*key, flags)};
   }
   return done;
@@ -332,7 +311,7 @@ InputParser::Step InputParser::readSingleShift(std::string_view bytes) {
   if (const std::optional<KeyStroke> keypad = keypadKey(letter, flags)) {
     return {end + 1, *keypad};
   }
-  if (const std::optional<NamedKey> key = letterKey(letter)) {
+  if (const std::optional<Int> key = letterKey(letter)) {
     return {end + 1, strokeOf(*key, flags)};
   }
   return {end + 1, std::nullopt};

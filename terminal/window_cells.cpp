@@ -43,7 +43,7 @@ WindowPlacement drawTextWindow(UInt8 window, const t_Window& record, CellGrid& g
   const Int textWidth = record.TextWidth, textHeight = record.TextHeight;
   const Int half = (end - start + 1) / 2;
   const bool inMemory = start >= 0 && end < static_cast<Int>(VideoMemory.size());
-  if (!inMemory || textWidth < 1 || textHeight < 1 || textWidth * textHeight > half) return {};
+  if (!inMemory || textWidth < 1 || textHeight < 1 || textHeight > half / textWidth) return {};
   WindowPlacement placement;
   placement.Window = window;
   placement.FullColumns = static_cast<int>(textWidth);

@@ -92,6 +92,12 @@ struct KeyStroke {
   Int Flags = 0;
 };
 
+// The key press of a key that types no text, as the desktop reports it: the arrows, Home, End,
+// Page Up, Page Down, Insert, Forward Delete, the keypad's Clear and F1..F12, each with its
+// private-use character and the function flag, the arrows and Clear also with the numeric-pad
+// flag. Nothing for any other key number.
+std::optional<KeyStroke> keyStrokeOfKeyWithoutText(Int keyNumber);
+
 // The key press that types `character` on a US keyboard: letters, digits and punctuation on
 // their keys (with shift where needed), Return for a carriage return or line feed, Tab,
 // Backspace (DEL, 127) and Escape, control characters 1..26 as control with their letter,
