@@ -111,15 +111,7 @@ BENCHMARK(BM_QPainterScreen)
     ->ArgsProduct({{1, 0}, {24, 32}})
     ->Unit(benchmark::kMicrosecond);
 
-void BM_MemcpyScreen(benchmark::State& state) {
-  std::vector<UInt8> from(ScreenBytes, 1), to(ScreenBytes);
-  for (auto _ : state) {
-    std::memcpy(to.data(), from.data(), to.size());
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(state.iterations() * ScreenBytes);
-}
-BENCHMARK(BM_MemcpyScreen)->Unit(benchmark::kMicrosecond);
+BENCHMARK(copyBaseline)->Name("BM_MemcpyScreen")->Arg(ScreenBytes)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace rvtools::bench

@@ -99,15 +99,7 @@ void BM_RecordEncodeFrame(benchmark::State& state) {
 }
 BENCHMARK(BM_RecordEncodeFrame);
 
-void BM_RecordMemcpy(benchmark::State& state) {
-  std::vector<UInt8> from(PictureBytes, 7), to(PictureBytes);
-  for (auto _ : state) {
-    std::memcpy(to.data(), from.data(), to.size());
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(state.iterations() * PictureBytes);
-}
-BENCHMARK(BM_RecordMemcpy);
+BENCHMARK(copyBaseline)->Name("BM_RecordMemcpy")->Arg(PictureBytes);
 
 }  // namespace
 }  // namespace rvtools::bench

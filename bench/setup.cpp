@@ -1,7 +1,8 @@
 // Benchmark set-up on the headless host.
 #include "setup.hpp"
 
-#include "runtime/log.hpp"
+#include <cstring>
+#include <vector>
 
 namespace rvtools::bench {
 
@@ -13,6 +14,16 @@ void prepareTextWindow(Int depth, Int columns, Int lines) {
   t_InitMemory();
   static const t_Font font = t_LoadFontResource("MenloBold 16x32.font");
   t_InitWindow(0, depth, false, font.Width * columns, font.Height * lines, 0, 0, font, true);
+}
+
+void copyBaseline(benchmark::State& state) {
+  const auto bytes = static_cast<std::size_t>(state.range(0));
+  std::vector<UInt8> from(bytes, 7), to(bytes);
+  for (auto _ : state) {
+    std::memcpy(to.data(), from.data(), bytes);
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
 }  // namespace rvtools::bench
