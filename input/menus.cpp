@@ -341,9 +341,18 @@ std::optional<t_MenuAction> t_MenuActionOf(Int tag) {
   return menuActionAt(*index);
 }
 
-bool programMenuHandlerInstalled() {
-  std::lock_guard lock(handlerMutex());
-  return menuHandlerInstalled;
+bool menuChoiceCanAct(Int tag) {
+  const std::optional<t_MenuAction> entry = t_MenuActionOf(tag);
+  if (tag == OpenPanelAction || tag == SavePanelAction) return entry.has_value();
+  if (!entry) {
+    std::lock_guard lock(handlerMutex());
+    return menuHandlerInstalled;
+  }
+  if (entry->Action >= FirstGraphicWindowAction && entry->Action <= LastGraphicWindowAction) {
+    const auto window = static_cast<UInt8>((entry->Action - FirstGraphicWindowAction) / 2);
+    return MemoryInitialized && Windows[window].Initialized;
+  }
+  return true;
 }
 
 }  // namespace rvtools

@@ -30,24 +30,6 @@ bool graphicWindowReady(UInt8 window) {
   return window < 8 && MemoryInitialized && Windows[window].Initialized;
 }
 
-bool isGraphicWindowAction(Int action) {
-  return action >= MenuTag::showGraphicWindow(0) && action <= MenuTag::hideGraphicWindow(7);
-}
-
-// Whether choosing an item of the runtime (one with a tag) can do something: Open… and Save…
-// need the program's entry, an item for the program needs its menu handler, and Show or Hide of
-// a graphic window needs that window.
-bool runtimeItemCanAct(Int tag) {
-  const std::optional<t_MenuAction> entry = t_MenuActionOf(tag);
-  if (tag == MenuTag::Open || tag == MenuTag::Save) return entry.has_value();
-  if (!entry) return programMenuHandlerInstalled();
-  if (isGraphicWindowAction(entry->Action)) {
-    return graphicWindowReady(
-        static_cast<UInt8>((entry->Action - MenuTag::showGraphicWindow(0)) / 2));
-  }
-  return true;
-}
-
 // The file name a window's title suggests: "Kessvind" gives "Kessvind.png".
 QString fileNameAfter(const QString& title, UInt8 number, const QString& suffix) {
   QString name = title.trimmed();
@@ -135,7 +117,7 @@ void DesktopActions::updateMenuItems() {
     for (QAction* item : menu->actions()) {
       const QVariant tag = item->property("tag");
       if (item->isSeparator() || !tag.isValid() || item == delegate_.quitItem()) continue;
-      item->setEnabled(runtimeItemCanAct(tag.toLongLong()));
+      item->setEnabled(menuChoiceCanAct(tag.toLongLong()));
     }
   }
   const UInt8 front = frontWindow();

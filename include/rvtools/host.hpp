@@ -50,8 +50,11 @@ constexpr Int hideGraphicWindow(UInt8 window) {
 }
 }  // namespace MenuTag
 
-// Whether the program has installed a menu handler (t_SetMenuHandler), so that a menu item for
-// the program (tag 0) can do something.
-bool programMenuHandlerInstalled();
+// Whether choosing the menu item of `tag` can do something for the running program, so that a
+// host shows the item enabled: Open... and Save... once the program added an entry for them
+// (t_AddMenuAction), an item for the program (tag 0, or a tag no entry serves) once it installed
+// a menu handler, the items of graphic window n once that window is initialised, every other
+// built-in item always.
+bool menuChoiceCanAct(Int tag);
 
 }  // namespace rvtools
