@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The drop demo with no pauses on the headless host: from the first drop until the tub is
 // full, reported as drops per second.
 #include <benchmark/benchmark.h>

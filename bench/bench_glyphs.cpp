@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Glyph rendering: one 16 x 32 cell per iteration at each depth, beside a memset of the bytes
 // that one cell covers.
 #include <benchmark/benchmark.h>

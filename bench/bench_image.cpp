@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Window image composition: a 1280 x 800 window at each depth composed into one reused buffer
 // (BM_WindowImage, the way a view draws every frame) and into a freshly allocated image
 // (BM_WindowImageAllocating), beside a memcpy of the 4,096,000 bytes that one image holds.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Printing a whole screen: 80 x 25 characters of 16 x 32 pixels at 24 bits through t_Print,
 // beside Qt drawing the same text with QPainter::drawText into an image of the same size in the
 // same face (DejaVu Sans Mono Bold at a 16-pixel advance), the way a program would draw text

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Recording the drop demo's window (1280 x 800 pixels at 24 bits, its scene drawn): the cost of
 // one frame on the refresh side (compose, compare, hand the changed rows to the queue), with a
 // changed picture and with a picture whose version moved but whose pixels did not, and on the

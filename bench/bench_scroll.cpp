@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Scrolling: one t_ScrollUp per iteration of an 80 x 25 window at 24 bits (the block-moving
 // scroll plus the blanking of the freed line), beside one memmove of the same byte count inside
 // one buffer, shifted by one text line as the scroll shifts its pixels.

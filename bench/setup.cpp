@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Benchmark set-up on the headless host.
 #include "setup.hpp"
 

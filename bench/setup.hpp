@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Benchmark set-up: a runtime on the headless host, window 0 initialised at a chosen depth with
 // the bold 16 x 32 font, the log silenced.
 #pragma once

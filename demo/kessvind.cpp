@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kessvind, the drop demo: single bits drip from the top of the screen into a tub, pile up,
 // slide sideways off each other and the specks, and come to rest, until the tub is full.
 //

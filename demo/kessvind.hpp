@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kessvind, the drop demo: its sections, so that a benchmark can run the drops on their own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The drop demo as a desktop application: the Qt host runs Kessvind on the program thread.
 #include "demo/kessvind.hpp"
 #include "rvtools/shell.hpp"

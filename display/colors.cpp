@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Colours of a graphic window: the foreground of text and plots, and the border. Both take a
 // colour number through the 16-colour palette; only its low four bits count.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Graphic modes and low-resolution plotting. There is no pixel plane of its own: every
 // low-resolution point lives in a text cell and is drawn by re-printing that cell with
 // t_PrintSymbol. Colour blocks hold two points a cell (upper point in the colour byte's high

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Window image composition: turns a window's graphic memory into a picture of four bytes a
 // pixel, for a view to show. Text needs no step of its own, because every character has
 // already been drawn into the graphic memory. The picture is read while the program thread may

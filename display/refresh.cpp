@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The display refresh: a loop on a thread of its own asks the view of every initialised window
 // with AutoUpdate to redraw once per 1000 / RefreshRate milliseconds. VerticalBlank is the only
 // handshake: while a view composes its picture the flag is false and the loop leaves that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // colours: the sixteen colours, escape sequences and display modes. Code 27 (escape) followed by
 // one character sets the ink (@ to O), the paper (P to _), the border (n to }) or a tab stop
 // (i, j, k); control codes switch inverse video and display modes; t_DisplayMode chooses a mode

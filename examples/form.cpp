@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // form: a form of line inputs, one for each input mode of t_InputForm, and one that only shows
 // its text. The keys that edit a line: Left, Right, Home, End, Backspace, Delete, Return,
 // Escape (empties the line), Control-Z (clears it), Control-^ followed by three digits (types

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // hello: the first program. It opens a window of 40 x 12 characters, clears it, greets, waits
 // for a key and ends; the window stays open until the user quits.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lores: low-resolution graphics in the cells of the text screen, and t_Scrn reading a point
 // back. The window is a mixed screen: graphics above, five lines of text below. Each text cell
 // holds two points, one above the other, so 40 x 15 characters give 40 x 30 points.

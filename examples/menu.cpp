@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // menu: a text menu chosen with the cursor keys. Up and Down move the bar, Return chooses,
 // Escape leaves without a choice. The chosen line is shown in inverse video.
 //

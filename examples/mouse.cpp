@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // mouse: clicks and a menu item for the program. Each click puts a star into the cell under the
 // mouse and says where it was; Program > Program Action ends the program. The mouse and menu
 // handlers run on worker threads, so they only wake the program, which takes the events off

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // printer: a text file on the virtual printer. The program asks for a file name; an empty
 // answer lets File > Open... choose the file instead. It reads the whole file, shows its first
 // lines, and prints it on the virtual printer (Window > Show Virtual Printer shows the paper,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // teletype: a host of your own. It runs a program where nothing can be drawn, such as in a pipe:
 // what comes on standard input is typed into the program, and when the program has ended its
 // text screen goes to standard output; the log goes to standard error. It takes the four steps

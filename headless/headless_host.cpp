@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The headless host: eight off-screen views and records of every frame operation, for tests,
 // benchmarks and programs without a display. It has no interface thread of its own; platform
 // work runs on the calling thread, one piece at a time. Its menus, text views, pasteboard and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // runHeadless: the whole main of a program without a display. It installs a headless host, runs
 // the launch sequence, starts recording the program's first window once it is up, types, clicks
 // and chooses what the command line asks for, waits for the program to end, and leaves the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command line of runHeadless: scripted keys, clicks and menu choices, and the files a
 // program leaves: its recording and, when it has ended, its picture and screen. Keys without
 // text are named in braces, as they are printed on the keys: {Left}, {Right}, {Up}, {Down},

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: what runHeadless reads from its command line. A program run without a display can
 // be typed at, clicked and given menu choices from there, and leave its picture and its screen
 // in files when it ends:

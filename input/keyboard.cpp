@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keyboard events: the views' key handler, which turns a key press into a key event (Kind 1)
 // on the shared key queue, acts on the few keys that switch output redirection, and keeps the
 // global key and modifier state; and the program-side operations that wait for keys, t_GetKey

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The line input editor: t_InputForm prints a prompt and a default line and feeds keys from the
 // key queue into t_InputEdit until Return or Escape; t_InputEdit moves the edit cursor, deletes,
 // clears, copies and enters codes; t_InputInsert filters a character by the input mode and the

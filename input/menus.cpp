@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Menus: inspecting and trimming the main menu by title, the start-up scan that removes the
 // platform's own items, and menu choices. A choice whose tag is in MenuActions runs a built-in
 // action (windows shown or hidden, copies to the pasteboard, the text windows cleared, file

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the menu work of t_InitMemory.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Mouse events and the close box: a click in a view becomes a Kind 2 event on MouseEventQueue,
 // with its position both in window coordinates and in the drawing area, and the program's mouse
 // handler is started on a worker after every click. A close box hides its window and is only

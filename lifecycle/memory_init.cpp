@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The creation of the runtime's memory: t_InitMemory names the program thread, creates the
 // video memory and the eight window records, builds the menu actions and scans the menus. It
 // runs once, on the first t_InitWindow or whichever operation needs the records first.

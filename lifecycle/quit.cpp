@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quitting the program from inside: t_QuitProgram leaves a closing text on the last line of a
 // window that exists, gives the refresh time to show it, logs the end and ends the calling
 // thread. It uses the text area, cursor, printing and colour operations and the refresh.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Video memory and window initialisation: t_InitWindow checks and corrects a window's size and
 // depth, carves a graphic block and a text block out of the video memory (downward from
 // HighMemory), fills the window record, clears the picture and titles the platform window.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole files written under a temporary name and renamed when complete, with POSIX calls, so
 // that a full disk, a folder without write permission or a missing folder leaves nothing
 // behind under the final name.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: writing a whole file safely. The bytes go to a temporary file in the same folder,
 // which is renamed to the final name only once everything is written and flushed; on any
 // failure the temporary file is removed and the final name is left as it was.

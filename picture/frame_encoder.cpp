@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The encoding half of a recording: pictures with their moments in, GIF frames with delays out.
 //
 // Delays are counted from the first picture in whole centiseconds, each frame's delay the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the encoding half of a recording. It takes the pictures that the refresh took, each
 // with the moment it was shown, and writes them as GIF frames: the first whole, every later one
 // as the rectangle that changed, its unchanged pixels transparent. A frame's delay is known only

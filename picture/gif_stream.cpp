@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Animated GIF files through giflib's streaming interface: a GIF89a screen without a global
 // colour table and per frame a graphic control extension (delay, transparent index, frames left
 // in place) and an image with a colour table of its own. A recording plays once and then keeps

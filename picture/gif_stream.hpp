@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: an animated GIF written frame by frame through giflib straight into a PendingFile,
 // so that a recording of any length needs no more memory than one frame.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // GIF pixels from a rectangle of a picture. The colours of the rectangle are gathered in a small
 // hash table; as long as they fit into a GIF colour table (255 colours beside the transparent
 // index, or 256 when every pixel is drawn) they are kept exactly. Up to 1020 colours are kept

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: a rectangle of a picture as GIF pixels, colour indices into a table of at most 256
 // colours. The colours are exact whenever the rectangle needs no more than the table holds, or
 // when it may be drawn in a few parts of up to 255 colours each; only beyond that does giflib's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // t_RecordStart, t_RecordStop, t_IsRecording and setRecordingObserver: the recordings of the
 // eight graphic windows. While any window records, the recordings own the runtime's frame
 // listener, which hands every refresh to the recording of its window. The end of the

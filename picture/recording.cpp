@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One window's recording: pictures taken after each refresh, handed through a bounded queue to
 // an encoder thread that writes the GIF. The refresh side composes into buffers it keeps and
 // copies only the rows that changed; when eight frames wait already, a picture is dropped and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: one window's recording. The refresh side (FrameCapture) composes the window's
 // picture after each refresh, keeps it when it changed and offers the changed rows to a bounded
 // queue (FrameQueue); an encoder thread of the recording's own takes them from there and writes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // t_SavePicture: a window's picture as a PNG file, through libpng's simplified interface. The
 // picture's alpha is always opaque, so the file holds red, green and blue only.
 #include <png.h>

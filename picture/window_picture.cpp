@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether a window has a picture to read: a graphic window 0..7 whose memory and record are
 // initialised.
 #include "picture/window_picture.hpp"

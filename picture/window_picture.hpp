@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: whether a window has a picture that the picture library can read, for the log lines
 // of t_SavePicture and the recording operations.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: integer arithmetic on values that a program may set to anything, such as the cursor
 // and text-area fields of a window record. A result beyond the Int range stops at its edge
 // instead of overflowing, so that a cursor at the largest column moving right stays there.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The auxiliary windows and files: text for the virtual printer and the system console, the
 // general pasteboard's text, and whole files. The text views themselves belong to the host;
 // a missing view is logged, with a beep, under the name of the operation that needed it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the text windows (virtual printer, system console) as the menu actions and the
 // program's own operations reach them.
 #pragma once

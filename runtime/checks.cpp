@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entry checks of the graphic-window operations and text-cell addressing.
 #include "runtime/checks.hpp"
 

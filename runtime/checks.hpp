@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the entry checks that every operation on a graphic window makes, and safe access
 // to the cells of a window's text memory.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The absolute clock in milliseconds, read through the host.
 #include "runtime/clock.hpp"
 

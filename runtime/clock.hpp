@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the absolute clock in whole milliseconds, the unit of event times and of the
 // refresh's bookkeeping.
 #pragma once

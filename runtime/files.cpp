@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole-file reading with POSIX calls. Only regular files are read: a directory, a device or a
 // named pipe yields no bytes, so that a wrong name can neither fail oddly nor block the caller.
 // Also the bundle folder around the executable, where the resources lie.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: reading whole files into memory, for font resources and other files the runtime
 // opens by path. The bundle folder that resources are looked up in, bundleAroundExecutable, is
 // public (rvtools/platform.hpp), since every host names its windows and sounds after it.

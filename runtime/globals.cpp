@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The runtime's process-wide state. Every global is created once and deliberately never
 // destroyed, so that a thread still running while the process exits never meets a destroyed
 // object.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The installed host, and the host that stands in before one is installed: it has no windows,
 // no views, no menus, no text views and no sounds, so every platform request finds nothing.
 #include "rvtools/platform.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The launch sequence that every host runs when its application has started, and the end of
 // the application. The log lines are part of the runtime's contract: they come in the same
 // order on every host.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The runtime's log: standard output, or a sink that a host or a test installs, and a mirror
 // that sees every write.
 #include "runtime/log.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the runtime's log, one writer to standard output.
 //
 // Messages are composed of fixed texts and decimal numbers; each write is flushed at once,

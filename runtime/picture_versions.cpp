@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture versions of the eight graphic windows: counters that the program thread advances
 // and the views read, with relaxed ordering, since a view that reads a version a moment late
 // composes once more, and nothing else depends on it.

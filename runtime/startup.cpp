@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up and the program thread: the character tables, the program thread with its large
 // stack, callbacks on worker threads, the sounds, and the thread registry behind
 // CurrentThreadNumber.

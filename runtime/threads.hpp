@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the runtime's own thread registry.
 //
 // Threads are numbered in the order in which they first meet the registry: the interface

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random numbers and text utilities: the mixed random source of t_Random, the conversion of
 // typed input to an integer, searching and cutting texts by character position, real numbers
 // with a decimal comma, hexadecimal figures and the Unicode scalars of UTF-8 text.

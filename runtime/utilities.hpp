@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: number formatting for the runtime's log lines, and character counts of texts. The
 // conversions between UTF-8 and Unicode scalars, scalarsOf and utf8Of, are public
 // (rvtools/runtime.hpp).

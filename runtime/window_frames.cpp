@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Window frame operations: position, size, title, visibility and order of the platform windows
 // 0..12. The platform work is the host's; a number without a window is refused with
 // "<operation>: Window does not exist.". Showing or hiding a graphic window also sets its

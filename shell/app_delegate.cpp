@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The application delegate: builds the graphic windows and the auxiliary windows from their
 // forms, runs the launch sequence that starts the program thread, answers the window events
 // that matter to the runtime (close boxes, resizes, activation) and hands menu choices to the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the application delegate. It owns every window of the interface and holds the 21
 // outlets under their own names, runs the launch sequence, maps platform windows to window
 // numbers, lays out the auxiliary windows when they are resized and places them when they first

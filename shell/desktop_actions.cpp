@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The desktop host's own menu items: saving the front window's picture or text, printing the
 // virtual printer's paper, full screen; and the enabled state of every item of the menus.
 #include "shell/desktop_actions.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the menu items that the desktop host carries out itself, File > Save Picture…,
 // Save Text…, Print…, Start Recording… and Stop Recording and View > Full Screen, and which
 // items of the menus are enabled. A graphic window's title carries a sign while it is recorded,

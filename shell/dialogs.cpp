@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs of the desktop host: one way to run them, the file dialog of every open and save
 // question, and warnings. The folder of the last chosen file is where the next question starts.
 #include "shell/dialogs.hpp"

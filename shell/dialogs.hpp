@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the dialogs of the desktop host. Every dialog runs through runDialog, so that a test
 // can answer the real dialog (fill in a file dialog, pick a printer) instead of a user; file
 // questions and warnings are built here once for the runtime's panels and the host's own items.

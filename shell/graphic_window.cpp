@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphic windows and their views: the picture is composed on the interface thread into an
 // image kept across frames and drawn with nearest-neighbour scaling; VerticalBlank is false while
 // a frame is being composed. Keys go to the runtime's key handler, clicks in the view or in the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: a graphic window and its view. The window is a top-level widget whose background,
 // painted in the border colour, frames the view; the view shows the window's picture scaled
 // crisply and turns keys and clicks into the runtime's input events. A menu bar may sit above the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Key translation: X11 key codes and Qt keys to the runtime's key numbers, the characters that
 // function, cursor and paging keys stand for, and the modifier flags.
 #include "shell/key_translation.hpp"

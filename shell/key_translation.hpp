@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: turns a Qt key event into what the runtime's key handler expects: the hardware key
 // number in the runtime's numbering (by the key's physical position), the characters the key
 // produced, and the modifier flags at bits 16 to 23.

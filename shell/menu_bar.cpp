@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Menu bars that share one set of menus, the room they take in a window, and menu items as the
 // runtime describes them (titles, key equivalent, tag).
 #include "shell/menu_bar.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the application's one set of menus in the menu bar of every window, and what the
 // runtime learns of a chosen item.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The layout of a graphic window's picture: the scale factor, the centred content and the view's
 // place in it, and the mapping of window points back to window coordinates.
 #include "shell/picture_layout.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: where a graphic window's picture lies in its window, and how a point of the window
 // maps back to window coordinates.
 //

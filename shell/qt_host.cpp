@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host on Qt: window lookup, frames, visibility, the border colour, the screen, the
 // pasteboard, menus, file panels, the auxiliary text views, sounds and the bundle path, each
 // carried to the GUI thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the host on Qt. Platform work runs on the GUI thread: directly when the caller is
 // there, else by a blocking queued call. Windows, views, menus and text views are those of the
 // application delegate; sounds come from the bundle's resources.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main of a program: it chooses its host. "--headless" runs it without a screen,
 // "--terminal" in the terminal, and so does the absence of a display when standard input and
 // output are a terminal; otherwise the desktop: the application object, the delegate with all

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The click and beep sounds: decoded from AIFF with libsndfile, played through QAudioSink. The
 // sink's state tells whether a sound is still playing; it is mirrored in an atomic flag so that
 // the program thread can ask without waiting for the interface thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the click and beep sounds. The AIFF files are decoded once with libsndfile and played
 // with Qt Multimedia on the interface thread; a caller on any thread only queues the start and
 // never waits for it.

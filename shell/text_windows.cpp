@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system console fed by the log's mirror and bounded to its last lines, the pasteboard
 // window kept in step with the clipboard both ways, and appending text that follows the end.
 #include "shell/text_windows.hpp"

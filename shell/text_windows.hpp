@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: what the text views of the auxiliary windows show.
 //
 // The system console is the runtime's log: every write to the log reaches it through the log's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The first place of an auxiliary window: beside the graphic window in front, or cascaded.
 #include "shell/window_placement.hpp"
 

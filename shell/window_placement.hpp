@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: where an auxiliary window (pasteboard, virtual printer, system console, preferences,
 // main window) opens when the program has not placed it: beside the graphic window in front
 // when there is room, else cascaded over it below its menu bar, each window at a place of its

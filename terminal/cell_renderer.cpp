@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Terminal cells to bytes: cursor positioning (CUP), colours (SGR 38/48 with 24-bit values or
 // table entries, 39/49 for the defaults) and UTF-8 characters, each cell written only when it
 // differs from what the terminal shows. A full frame clears the screen first and leaves out the

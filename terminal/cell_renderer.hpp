@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal to the terminal host: a screen of terminal cells and the bytes that show it. The
 // renderer remembers what the terminal shows and writes only the cells that differ, with
 // cursor moves and colour changes kept to what is needed, inside synchronized-update brackets

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's input as key strokes, mouse reports and pasted text. Characters go through
 // keyStrokeOfCharacter, so that a typed "A" or control-S is the key press the desktop reports;
 // keys without text follow the escape sequences of xterm and of the terminals that copy it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal to the terminal host: what the bytes from the terminal mean. Characters and control
 // keys, the escape sequences of xterm-compatible terminals for cursor, paging, editing,
 // function and keypad keys (with their modifiers), SGR mouse reports and bracketed paste

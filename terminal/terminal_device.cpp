@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal's modes, its size and its output, and the signal handlers that give it back.
 // What the handlers need (the saved modes, the output descriptor, the restoring bytes) is set
 // before they are installed and never changes afterwards, so that they read it without a lock.

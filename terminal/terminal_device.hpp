@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal to the terminal host: the terminal itself. Taking it over puts standard input into
 // raw mode and switches the screen to what the host needs (alternate screen, hidden cursor,
 // mouse and paste reporting, keypad application mode, no automatic wrap); giving it back undoes

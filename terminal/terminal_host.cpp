@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal host: the Host interface for a terminal, its interface thread's loop and the
 // one-line menu. Keys become the key presses the desktop reports (viewKeyDown), each going up
 // at once, since a terminal reports no releases; clicks become clicks at the top left pixel of

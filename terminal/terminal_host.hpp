@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal to the terminal host: the host itself. It keeps in memory what a terminal has no
 // place for (menus, the auxiliary windows' texts, window frames), as the headless host does,
 // and shows the graphic window in front on the terminal. Its interface thread is the one that

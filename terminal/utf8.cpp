@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // UTF-8 for the terminal host: characters read one at a time from what the terminal sends,
 // which may stop in the middle of one. Overlong forms, surrogates and values beyond U+10FFFF
 // are refused, so that bad input never becomes a key.

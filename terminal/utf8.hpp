@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal to the terminal host: decoding of one character from the front of a byte string, as
 // the terminal's input needs it. Encoding is rvtools::utf8Of (rvtools/runtime.hpp).
 #pragma once

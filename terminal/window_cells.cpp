@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A graphic window as terminal cells, read from the window's text memory or composed from its
 // picture. Text memory is read as the image composition reads video memory: while the program
 // may write it, so a frame may show a cell half changed, which the next frame mends. Every

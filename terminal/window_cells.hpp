@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal to the terminal host: a graphic window as terminal cells. A window with text memory
 // gives one cell per text cell, its character as the font shows it (FontCodeCharacters) in
 // its colour byte's two palette colours; a window without text memory gives its picture as

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Test helpers: a fresh runtime per test, screens rendered as strings, folders, PNG files and a
 // full disk.
 #include "common.hpp"

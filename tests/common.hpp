@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Test helpers: a fresh runtime with the log captured, screens as strings so that a test compares
 // a whole screen at once, a folder of each test's own, PNG files read back and a full disk.
 #pragma once

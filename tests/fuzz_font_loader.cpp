@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libFuzzer target for the font loader: any file parses without a crash, out-of-bounds access or
 // hang into a record that keeps the loader's promises; glyph data survives compression whole.
 #include <cstddef>

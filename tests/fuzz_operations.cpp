@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libFuzzer target for the operations a program calls: random sequences of them on windows of
 // every depth with hostile arguments (the ends of the Int range, window numbers 0..255, long and
 // invalid UTF-8 texts, fonts of any cell size) and hostile values in the record fields a program

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program for the tests of runHeadless: one window of 16 x 4 characters that reads a line,
 // then a key, then waits for a click and a menu choice, and prints what it got.
 #include <atomic>

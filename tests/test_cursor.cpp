@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cursor movement, scrolling, clearing and the cursor display: whole screens, both scroll methods
 // giving the same pixels, and the guards against a cursor or a record beyond the window.
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Font resources: LZW expansion, header checks and their log lines, the font writer's round
 // trip through the loader, the two compiled fonts, and t_WindowFont's checks.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Low-resolution graphics in the text cells: plot modes, offsets, clipping, reading points back,
 // the text areas, inverting cells, reading the screen as text, and refusals.
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Programs run without a display: the keys, clicks and menu choices runHeadless gives them from
 // its command line, and the recording, picture and screen it leaves.
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys and the mouse: the values key presses queue, keys that act or are dropped, refusals, the
 // program waiting for keys and yes/no answers, and clicks beyond the Int range.
 #include <atomic>

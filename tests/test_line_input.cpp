@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The line input editor, driven through the real key queue: the keys are queued before the
 // form starts and the form takes them one by one. Screens show the line as it was left.
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Menus and the auxiliary windows on the headless host: the start-up scan, trimming menus,
 // choices that run built-in actions or reach the program, the text windows and file panels.
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Printing: glyphs at every depth, display modes and the escape, control codes, tabs, redirection,
 // title and separator lines, the control-S pause and refusals.
 #include <chrono>

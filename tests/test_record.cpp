@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures as PNG files (read back with libpng) and recordings as animated GIF files (read back
 // with giflib): frames, delays, refusals, a full disk, and the demo's animation of the README.
 #include <gif_lib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up and the end: the character tables, program threads, frame operations' limits, the
 // launch sequence, picture versions, and t_QuitProgram unwinding the program thread.
 #include <atomic>

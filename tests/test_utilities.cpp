@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The random numbers on a scripted and the system's source, and the text utilities: integers,
 // positions and middles in characters, reals with a decimal comma, figures, UTF-8.
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Window initialisation (blocks, corrections of size and depth, re-initialisation moving the
 // blocks of other windows, colours) and the window image at every depth in both byte orders.
 #include <cstdint>

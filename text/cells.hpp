@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: the cells a graphic window can have, and runs of cells whose bounds a program chose.
 //
 // t_PrintSymbol draws a cell of the window's picture in the font's cell size and records it in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cursor movement, scrolling and clearing: keeps a graphic window's text cursor inside its text
 // area the way a home-computer screen does (moving right past the last column wraps to the next
 // line, moving down past the last line scrolls the area up), scrolls the area by one line and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cursor display: the text cursor of a graphic window is its cell at (TextHpos, TextVpos) shown
 // with foreground and background exchanged. Showing and hiding are the same inversion, and a
 // nesting level decides when it happens, so that nested callers can ask for the cursor on their

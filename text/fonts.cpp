@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Font resources: loading a font file from the bundle's resources, checking its header,
 // expanding LZW-compressed glyph data, and giving a window another font. Depends on the host
 // for the bundle path, the whole-file reader, the log and the window entry checks.

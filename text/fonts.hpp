@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internal: font resource files and the LZW expansion of their glyph data.
 //
 // parseFontResource turns the bytes of a font resource file into a t_Font exactly as

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Glyph rendering: t_PrintSymbol draws one character cell of a graphic window and records the
 // character and its colour byte in the window's text memory. Every other text operation ends
 // here. The glyph's grey values mix the foreground and the background colour of the palette;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Printing on a graphic window: strings and byte strings with control codes, single characters,
 // blanks and runs up to a column; the display modes that translate a character before it is
 // drawn (including the one-character escape for colours, tab stops and the border); inverse

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // LZW compression and font file writing for the font compiler and the tests. The encoder mirrors
 // the loader's expansion: a dictionary of the 256 single bytes that grows by one string per code
 // after the first, no reset and no end code, one code width for the whole stream.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The writing side of font resource files: LZW compression of glyph data into the code stream
 // that the runtime's loader expands, and complete files of format 102 (compressed grey).
 #pragma once

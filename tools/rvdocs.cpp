@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvdocs: draws the manual's pictures with the runtime itself, so that no picture can differ
 // from what the runtime draws. It runs a program on the headless host that draws each picture
 // into window 0 and saves it (t_SavePicture), and writes the table of the character set from

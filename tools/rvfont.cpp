@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvfont: the font compiler. It renders a TrueType face into a font resource file of 256 grey
 // glyphs of 16 x 32 pixels (format 102), and draws the chart of any font file as a PNG.
 // Depends on FreeType for the face, libpng for the chart, the font writer for compression and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvsound: writes the runtime's two sounds as AIFF files, so that no sound file has to be taken
 // from elsewhere: "click.aif", a few milliseconds of a decaying tick, and "sysbeep.aif", a short
 // tone with soft edges.

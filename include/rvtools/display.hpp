@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: display: window images, low-resolution graphics, colours and the refresh.
 //
 // A window's picture is its graphic memory; `t_WindowImage` turns it into four bytes a pixel

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the characters that the font codes show.
 //
 // A window's text memory holds font codes 0..255, not Unicode. This table names, for each code,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the headless host, for tests, benchmarks and programs without a display.
 //
 // It keeps eight off-screen views: asking a view to redraw composes the window's image into

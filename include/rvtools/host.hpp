@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: everything a host needs, in one header.
 //
 // A host is what shows a program's windows on a platform: the desktop host on Qt

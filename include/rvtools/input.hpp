@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: input: keys, the line input editor, mouse and menu events.
 //
 // Views turn key presses and clicks into `t_Event` records on the global queues (runtime.hpp);

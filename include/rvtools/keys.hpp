@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: keys as hosts deliver them and as programs receive them.
 //
 // A host reports each key press with three things: the key's number (by its physical position,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: a program's life: its memory, its windows and its end.
 //
 // The first `t_InitWindow` creates the video memory and the window records (`t_InitMemory`),

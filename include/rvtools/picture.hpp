@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: pictures and recordings of what a program shows, as image files.
 //
 // The picture library (rvtools::picture) writes a window's picture, the image that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the platform a program runs on, as the runtime sees it: the `Host` interface.
 //
 // The runtime never talks to a windowing system itself. Every platform need (window frames,

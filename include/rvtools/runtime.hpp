@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: runtime state, the program thread, window frames, utilities, auxiliary windows.
 //
 // The runtime keeps its whole state in process-wide globals that are created once and never

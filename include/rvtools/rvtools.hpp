@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the screen of an early-1980s home computer for an ordinary sequential program.
 //
 // One header for a user program. Its sections:

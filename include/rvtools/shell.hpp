@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the desktop host on Qt.
 //
 // A desktop program's whole main is one call:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the terminal host, for programs in a text terminal, locally or over SSH.
 //
 // A program that wants the terminal always makes it its whole main:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: text output on a graphic window.
 //
 // Characters come from bitmap fonts loaded from font resource files. `t_PrintSymbol` is the one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // rvtools: the records that every part of the runtime shares.
 //
 // A graphic window is described by one `t_Window` record; fonts by `t_Font`; keyboard and mouse

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program of a project that builds rvtools as a subdirectory: it prints one line into a
 // window without a display and ends; run with --screen <file>, it leaves that line there.
 #include <rvtools/headless.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A desktop program for the end-to-end tests: a window of 40 x 10 characters that prints the Value
 // of each key t_GetKey takes and logs it as "Key: <value>", until the application is quit.
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The end-to-end tests' main: a core application object for the child processes, then the tests.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Desktop programs on a real X server of each test's own: keys typed at a small program, and the
 // drop demo Kessvind from its prompt to the full tub, its menus' shortcuts and its quit.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program for the repeated-quit test: it asks the application to quit once it has printed and
 // drawn, and goes on printing and drawing, each round waiting for the GUI thread.
 #include <QCoreApplication>

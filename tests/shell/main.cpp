@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell tests' main: an application object on the offscreen platform, the delegate with
 // all windows and the Qt host, created once; then the tests.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program for the launch test: it asks the application to quit after 200 ms and keeps its
 // program thread busy with calls that wait for the GUI thread.
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shell test helpers: one delegate and host for the binary, a fresh runtime for each test.
 #include "shell_test.hpp"
 

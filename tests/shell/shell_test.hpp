@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shell test helpers: the delegate and host shared by all tests and a fresh runtime on the Qt host
 // for each; dialogs that a test does not answer itself are cancelled.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole desktop programs on the offscreen platform: the launch in order, and quits while the
 // program thread still runs ending the process at once with status 0, a hundred times.
 #include <gtest/gtest.h>

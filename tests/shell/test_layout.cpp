@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture layout, the auxiliary windows' first places and the key numbering, checked
 // without windows.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The menus on the offscreen platform: one set with the headless host's tags in every window,
 // choices reaching the runtime, items enabled only while they can act, file panels, text views.
 #include <QClipboard>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text, pictures and files on the offscreen platform: Copy Text, Paste, the console, the
 // pasteboard window, and the File items writing pictures, texts, PDF files and recordings.
 #include <unistd.h>

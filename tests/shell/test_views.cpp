@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphic windows and views on the offscreen platform: keys and clicks reach the runtime's
 // queues, the close box only reports, the refresh draws the picture scaled crisply.
 #include <QImage>

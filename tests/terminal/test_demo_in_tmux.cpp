@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The drop demo in tmux at 80 x 26 as a user meets it, and the terminal given back after the
 // program's end, the menu's Quit, a hang-up and a crash, and when the pane goes.
 #include <gtest/gtest.h>

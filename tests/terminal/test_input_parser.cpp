@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal host's parts: bytes as key strokes, clicks and pastes, whole or cut into single
 // bytes, with every modifier; and cells as bytes, whole frames and single changes.
 #include <gtest/gtest.h>
