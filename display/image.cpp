@@ -25,7 +25,6 @@ namespace rvtools {
 namespace {
 
 constexpr bool LittleEndian = std::endian::native == std::endian::little;
-constexpr Int LargestSide = 8192;
 
 // A pixel as the 32-bit word that the byte order stores: bytes A, R, G, B in memory, or the
 // native value 0xAARRGGBB.
@@ -271,14 +270,14 @@ void logNotCollected() {
 // The picture of a window that may be shown, or nothing after the due message.
 std::optional<Picture> pictureToShow(UInt8 window) {
   if (!MemoryInitialized) return std::nullopt;
-  if (window >= 8 || !Windows[window].Initialized) {
+  if (window >= GraphicWindowCount || !Windows[window].Initialized) {
     logLine("t_WindowImage: Graphic window #", window, " not initialized.");
     return std::nullopt;
   }
   const t_Window& record = Windows[window];
   if (!record.Visible) return std::nullopt;
   const Int width = record.Width, height = record.Height, depth = record.BitDepth;
-  if (width < 1 || height < 1 || width > LargestSide || height > LargestSide) {
+  if (width < 1 || height < 1 || width > LargestPictureSide || height > LargestPictureSide) {
     logNotCollected();
     return std::nullopt;
   }

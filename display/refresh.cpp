@@ -4,7 +4,6 @@
 // handshake: while a view composes its picture the flag is false and the loop leaves that
 // window alone.
 #include <functional>
-#include <mutex>
 
 #include "runtime/arithmetic.hpp"
 #include "runtime/clock.hpp"
@@ -18,25 +17,15 @@
 namespace rvtools {
 namespace {
 
-std::mutex& frameListenerMutex() {
-  static auto* mutex = new std::mutex;
-  return *mutex;
-}
-
-std::function<void(UInt8)>& frameListener() {
-  static auto* listener = new std::function<void(UInt8)>;
+HandlerSlot<void(UInt8)>& frameListener() {
+  static auto* listener = new HandlerSlot<void(UInt8)>;
   return *listener;
 }
 
 // Asks the view to show its picture and tells the frame listener.
 void display(UInt8 window, bool deferred) {
   host().displayView(window, deferred);
-  std::function<void(UInt8)> listener;
-  {
-    std::lock_guard lock(frameListenerMutex());
-    listener = frameListener();
-  }
-  if (listener) listener(window);
+  frameListener().callIfSet(window);
 }
 
 bool isDue(const t_Window& record, Int now) {
@@ -48,7 +37,7 @@ bool isDue(const t_Window& record, Int now) {
 // One pass over the eight windows; true when any view was asked to redraw.
 bool refreshDueWindows() {
   bool refreshed = false;
-  for (UInt8 n = 0; n < 8; ++n) {
+  for (UInt8 n = 0; n < GraphicWindowCount; ++n) {
     t_Window& record = Windows[n];
     if (!record.Initialized || !record.AutoUpdate || !record.VerticalBlank) continue;
     if (!isDue(record, absoluteMilliseconds())) continue;
@@ -78,7 +67,7 @@ void t_WindowAutoUpdateProcess() {
 
 void t_WindowUpdate(UInt8 window, bool deferred) {
   if (!MemoryInitialized) return;
-  if (window >= 8) {
+  if (window >= GraphicWindowCount) {
     logLine("t_WindowUpdate: Window is not a graphic window.");
     return;
   }
@@ -91,8 +80,7 @@ void t_WindowUpdate(UInt8 window, bool deferred) {
 }
 
 void setFrameListener(std::function<void(UInt8 window)> listener) {
-  std::lock_guard lock(frameListenerMutex());
-  frameListener() = std::move(listener);
+  frameListener().set(std::move(listener));
 }
 
 }  // namespace rvtools

@@ -76,13 +76,6 @@ std::optional<char32_t> escapedCharacter(std::string_view text, std::size_t& len
   }
 }
 
-// The bytes of the UTF-8 sequence that starts at `at`, at least one.
-std::size_t scalarLength(std::string_view text, std::size_t at) {
-  const auto lead = static_cast<unsigned char>(text[at]);
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
-  return std::min(length, text.size() - at);
-}
-
 std::optional<Click> clickAt(std::string_view position) {
   const std::size_t comma = position.find(',');
   if (comma == std::string_view::npos) return std::nullopt;
@@ -124,10 +117,11 @@ std::vector<KeyStroke> keyStrokesOf(std::string_view text, std::string& error) {
       character = *escaped;
       at += 1 + length;
     } else {
-      const std::size_t length = scalarLength(text, at);
-      const std::vector<char32_t> scalars = scalarsOf(text.substr(at, length));
-      character = scalars.empty() ? 0xFFFD : scalars.front();
-      at += length;
+      // A byte that starts no character is typed as U+FFFD, which no key types.
+      const Utf8Sequence sequence = decodeUtf8(text.substr(at));
+      const bool valid = sequence.Status == Utf8Status::Scalar;
+      character = valid ? sequence.Scalar : 0xFFFD;
+      at += valid ? sequence.Length : 1;
     }
     const std::optional<KeyStroke> stroke = keyStrokeOfCharacter(character);
     if (!stroke) {

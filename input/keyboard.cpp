@@ -25,7 +25,6 @@ namespace {
 
 constexpr Int LastLatin1Code = 255;
 constexpr Int KeyWaitStepNanoseconds = 10000000;
-constexpr Int KeyEventKind = 1;
 constexpr Int KeyCodesWithTableRows = 127;  // key codes from here on skip the table
 
 // What the key tables make of one key press.
@@ -83,13 +82,20 @@ struct OptionCharacter {
 };
 
 constexpr std::array<OptionCharacter, 28> OptionCharacters{{
-    {0, 0xE5, 0xB0},    {1, 0x201A, 0xA8},  {2, 0x2202, 0xAD},  {3, 0x192, 0x82},
-    {4, 0xAA, 0x83},    {7, 0x2248, 0x84},  {9, 0x221A, 0xFD},  {11, 0x222B, 0xDE},
-    {13, 0x2211, 0xDD}, {14, 0x20AC, 0xA4}, {16, 0x3A9, 0x80},  {17, 0x2020, 0xBD},
-    {19, 0x201C, 0xA3}, {27, 0xBF, 0xA6},   {29, 0x2260, 0xAC}, {33, 0x2022, 0xB8},
-    {34, 0x2044, 0x81}, {35, 0x3C0, 0xF0},  {35, 0x220F, 0xD0}, {38, 0xBA, 0xB7},
-    {40, 0x2206, 0xFE}, {41, 0x153, 0xBE},  {42, 0x2018, 0xB4}, {43, 0x221E, 0xFF},
-    {44, 0x2013, 0x9A}, {47, 0x2026, 0xBF}, {50, 0x2264, 0xC5}, {50, 0x2265, 0xC6},
+    {Key::A, 0xE5, 0xB0},           {Key::S, 0x201A, 0xA8},
+    {Key::D, 0x2202, 0xAD},         {Key::F, 0x192, 0x82},
+    {Key::H, 0xAA, 0x83},           {Key::X, 0x2248, 0x84},
+    {Key::V, 0x221A, 0xFD},         {Key::B, 0x222B, 0xDE},
+    {Key::W, 0x2211, 0xDD},         {Key::E, 0x20AC, 0xA4},
+    {Key::Y, 0x3A9, 0x80},          {Key::T, 0x2020, 0xBD},
+    {Key::Digit2, 0x201C, 0xA3},    {Key::Minus, 0xBF, 0xA6},
+    {Key::Digit0, 0x2260, 0xAC},    {Key::LeftBracket, 0x2022, 0xB8},
+    {Key::I, 0x2044, 0x81},         {Key::P, 0x3C0, 0xF0},
+    {Key::P, 0x220F, 0xD0},         {Key::J, 0xBA, 0xB7},
+    {Key::K, 0x2206, 0xFE},         {Key::Semicolon, 0x153, 0xBE},
+    {Key::Backslash, 0x2018, 0xB4}, {Key::Comma, 0x221E, 0xFF},
+    {Key::Slash, 0x2013, 0x9A},     {Key::Period, 0x2026, 0xBF},
+    {Key::Grave, 0x2264, 0xC5},     {Key::Grave, 0x2265, 0xC6},
 }};
 
 // Option with keypad 0 to 6.
@@ -216,7 +222,7 @@ void queueKeyEvent(UInt8 window, Int keyCode, const std::string& characters, Int
 
 void handleKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int flags) {
   if (!MemoryInitialized) return;
-  if (window >= 8 || !Windows[window].Initialized) {
+  if (window >= GraphicWindowCount || !Windows[window].Initialized) {
     logLine("viewKeyDown: Graphic window (", window, ") not initialized.");
     return;
   }
@@ -331,10 +337,10 @@ std::optional<KeyStroke> controlKeyStroke(char32_t character) {
 
 Int yesNoAnswer(char32_t key, Int defaultAnswer) {
   switch (key) {
-    case 13:
+    case KeyValue::Return:
     case U' ':
       return defaultAnswer;
-    case 27:
+    case KeyValue::Escape:
       return -1;
     case U'J':
     case U'Y':
@@ -435,8 +441,8 @@ std::optional<KeyStroke> keyStrokeOfCharacter(char32_t character) {
 // means it.
 void t_PasteAsKeys() {
   const UInt8 front = host().frontWindow();
-  const UInt8 window = front < 8 ? front : DefaultWindow.load();
-  if (window >= 8 || !MemoryInitialized || !Windows[window].Initialized) {
+  const UInt8 window = front < GraphicWindowCount ? front : DefaultWindow.load();
+  if (window >= GraphicWindowCount || !MemoryInitialized || !Windows[window].Initialized) {
     logLine("t_PasteAsKeys: Window #", window, " not initialized.");
     return;
   }

@@ -22,21 +22,6 @@ namespace {
 
 using Scalars = std::vector<char32_t>;
 
-// Editing keys, as the key handler delivers them.
-constexpr Int RedrawKey = 0;
-constexpr Int WordRightKey = 4;
-constexpr Int ForwardDeleteKey = 7;
-constexpr Int LeftKey = 8;
-constexpr Int CopyKey = 12;
-constexpr Int ReturnKey = 13;
-constexpr Int WordLeftKey = 19;
-constexpr Int RightKey = 21;
-constexpr Int ClearKey = 26;
-constexpr Int EscapeKey = 27;
-constexpr Int CodeEntryKey = 30;
-constexpr Int PlaceCursorKey = 31;
-constexpr Int DeleteLeftKey = 127;
-
 // Input modes with a filter of their own.
 constexpr Int AnyCodeEntryMode = 1;
 constexpr Int IntegerMode = 2;
@@ -132,59 +117,60 @@ void enterCharacterCode(UInt8 window, const t_Window& record) {
 void applyKey(UInt8 window, t_Window& record, Int key) {
   const Int position = record.InputCursorPos;
   switch (key) {
-    case RedrawKey:
+    case EditKey::Redraw:
       redrawLine(window, record);
       break;
-    case 1:
-    case 2:
-    case 11:
-    case 18:
+    // Cursor up and page up go to the start of the line, cursor down and page down to its end.
+    case EditKey::LineStart:
+    case KeyValue::Home:
+    case KeyValue::Up:
+    case KeyValue::PageUp:
       record.InputCursorPos = 0;
       break;
-    case 3:
-    case 5:
-    case 6:
-    case 10:
+    case KeyValue::PageDown:
+    case KeyValue::End:
+    case EditKey::LineEnd:
+    case KeyValue::Down:
       record.InputCursorPos = characterCount(record.InputString);
       break;
-    case WordRightKey:
+    case EditKey::WordRight:
       record.InputCursorPos = wordRightPosition(scalarsOf(record.InputString), position);
       break;
-    case ForwardDeleteKey:
+    case KeyValue::ForwardDelete:
       deleteCharacter(window, record, position);
       break;
-    case LeftKey:
+    case KeyValue::Left:
       record.InputCursorPos = saturatingSum(position, -1);
       break;
-    case CopyKey:
+    case EditKey::Copy:
       host().setPasteboardText(record.InputString);
       break;
-    case ReturnKey:
+    case KeyValue::Return:
       record.InputFinished = true;
       break;
-    case WordLeftKey:
+    case EditKey::WordLeft:
       record.InputCursorPos = wordLeftPosition(scalarsOf(record.InputString), position);
       break;
-    case RightKey:
+    case KeyValue::Right:
       record.InputCursorPos = saturatingSum(position, 1);
       break;
-    case ClearKey:
+    case EditKey::Clear:
       clearLine(window, record);
       break;
-    case EscapeKey:
+    case KeyValue::Escape:
       clearLine(window, record);
       record.InputFinished = false;
       break;
-    case CodeEntryKey:
+    case EditKey::CodeEntry:
       enterCharacterCode(window, record);
       break;
-    case DeleteLeftKey:
+    case KeyValue::Backspace:
       deleteCharacter(window, record, saturatingSum(position, -1));
       record.InputCursorPos = saturatingSum(position, -1);
       break;
     default:
-      // The cursor was placed before the switch; that is all key 31 and the other control
-      // codes do.
+      // The cursor was placed before the switch; that is all EditKey::PlaceCursor and the other
+      // control codes do.
       if (key >= 32) t_InputInsert(window, key);
       break;
   }
@@ -254,11 +240,11 @@ std::string t_InputForm(UInt8 window, const std::string& prompt, const std::stri
 
   Int key = 0;
   do {
-    t_InputEdit(window, PlaceCursorKey);
+    t_InputEdit(window, EditKey::PlaceCursor);
     const Scalars answer = scalarsOf(t_GetKey(window));
     key = answer.empty() ? 0 : static_cast<Int>(answer.front());
     t_InputEdit(window, key);
-  } while (key != ReturnKey && key != EscapeKey);
+  } while (key != KeyValue::Return && key != KeyValue::Escape);
   t_Cr(window);
   return record->InputString;
 }

@@ -4,7 +4,6 @@
 // handler is started on a worker after every click. A close box hides its window and is only
 // logged. Depends on the runtime's globals, the log, the thread registry and the window frame
 // operations.
-#include <mutex>
 
 #include "runtime/arithmetic.hpp"
 #include "runtime/clock.hpp"
@@ -21,21 +20,11 @@ constexpr Int BeforeArea = -1;
 constexpr Int BeyondArea = -2;
 constexpr Int NoPosition = -3;
 
-// The handler is replaced by the program thread while workers read it, so it sits behind a
-// lock; every worker calls the handler that is current when it starts.
-std::mutex& handlerMutex() {
-  static auto* mutex = new std::mutex;
-  return *mutex;
-}
-
-std::function<void()>& ProgramMouseHandler() {
-  static auto* handler = new std::function<void()>([] {});
+// The handler is replaced by the program thread while workers call it; every worker calls the
+// handler that is current when it starts.
+HandlerSlot<void()>& ProgramMouseHandler() {
+  static auto* handler = new HandlerSlot<void()>;
   return *handler;
-}
-
-std::function<void()> currentMouseHandler() {
-  std::lock_guard lock(handlerMutex());
-  return ProgramMouseHandler();
 }
 
 // One axis of the drawing area: -1 before it, -2 beyond it, else the position.
@@ -49,7 +38,7 @@ t_Event mouseEvent(UInt8 window, const t_MouseClick& click, Int absX, Int absY, 
                    Int clickY) {
   const Int flags = click.ModifierFlags;
   t_Event event;
-  event.Kind = 2;
+  event.Kind = MouseEventKind;
   event.Index = click.Buttons;
   event.WindowX = absX;
   event.WindowY = absY;
@@ -72,13 +61,13 @@ t_Event mouseEvent(UInt8 window, const t_MouseClick& click, Int absX, Int absY, 
 
 void runProgramMouseHandler() {
   if (CurrentThreadNumber() >= 3) nameCurrentThread("t_EventMouse");
-  currentMouseHandler()();
+  ProgramMouseHandler().callIfSet();
 }
 
 }  // namespace
 
 void viewMouseDown(UInt8 window, const t_MouseClick& click, double x, double y, bool right) {
-  if (MemoryInitialized && window < 8) {
+  if (MemoryInitialized && window < GraphicWindowCount) {
     if (!Windows[window].Initialized) {
       logLine("viewMouseDown: Graphic window (", window, ") not initialized.");
     } else if (!Windows[window].IgnoreEvents) {
@@ -98,7 +87,7 @@ void t_MouseEventHandler(UInt8 window, const t_MouseClick& click, double x, doub
   const Int absX = truncatedCoordinate(x), absY = truncatedCoordinate(y);
   Int clickX = NoPosition, clickY = NoPosition;
   std::string source;
-  if (window >= 8) {
+  if (window >= GraphicWindowCount) {
     logLine("t_MouseEventHandler: Unknown window, AbsX = ", absX, ", AbsY = ", absY);
   } else if (!MemoryInitialized || !Windows[window].Initialized) {
     logLine("t_MouseEventHandler: Window #", window, " not initialized.");
@@ -124,8 +113,7 @@ void t_MouseEventPostCloseBoxClick(UInt8 window) {
 }
 
 void t_SetMouseHandler(std::function<void()> handler) {
-  std::lock_guard lock(handlerMutex());
-  ProgramMouseHandler() = handler ? std::move(handler) : [] {};
+  ProgramMouseHandler().set(std::move(handler));
 }
 
 std::optional<t_Event> t_TakeMouseEvent() {

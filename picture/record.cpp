@@ -22,8 +22,7 @@ using picture::Recording;
 
 struct Recordings {
   std::mutex mutex;
-  std::array<std::shared_ptr<Recording>, 8> byWindow;
-  std::function<void(UInt8, bool)> observer;
+  std::array<std::shared_ptr<Recording>, GraphicWindowCount> byWindow;
   bool finishesAtTermination = false;
 };
 
@@ -34,7 +33,7 @@ Recordings& recordings() {
 
 std::shared_ptr<Recording> recordingOf(UInt8 window) {
   std::lock_guard lock(recordings().mutex);
-  return window < 8 ? recordings().byWindow[window] : nullptr;
+  return window < GraphicWindowCount ? recordings().byWindow[window] : nullptr;
 }
 
 void takeFrame(UInt8 window) {
@@ -42,7 +41,7 @@ void takeFrame(UInt8 window) {
 }
 
 void stopEveryRecording() {
-  for (UInt8 window = 0; window < 8; ++window) {
+  for (UInt8 window = 0; window < GraphicWindowCount; ++window) {
     if (t_IsRecording(window)) t_RecordStop(window);
   }
 }
@@ -58,13 +57,13 @@ void followRecordings(Recordings& all) {
   }
 }
 
+HandlerSlot<void(UInt8, bool)>& recordingObserver() {
+  static auto* observer = new HandlerSlot<void(UInt8, bool)>;
+  return *observer;
+}
+
 void tellObserver(UInt8 window, bool recording) {
-  std::function<void(UInt8, bool)> observer;
-  {
-    std::lock_guard lock(recordings().mutex);
-    observer = recordings().observer;
-  }
-  if (observer) observer(window, recording);
+  recordingObserver().callIfSet(window, recording);
 }
 
 std::string couldNotWrite(const std::string& path, const std::string& failure) {
@@ -88,7 +87,7 @@ std::optional<std::string> startRecording(UInt8 window, const std::string& path)
 std::shared_ptr<Recording> takeRecordingAway(UInt8 window) {
   Recordings& all = recordings();
   std::lock_guard lock(all.mutex);
-  if (window >= 8 || !all.byWindow[window]) return nullptr;
+  if (window >= GraphicWindowCount || !all.byWindow[window]) return nullptr;
   std::shared_ptr<Recording> recording = std::move(all.byWindow[window]);
   followRecordings(all);
   return recording;
@@ -137,8 +136,7 @@ bool t_IsRecording(UInt8 window) {
 }
 
 void setRecordingObserver(std::function<void(UInt8 window, bool recording)> observer) {
-  std::lock_guard lock(recordings().mutex);
-  recordings().observer = std::move(observer);
+  recordingObserver().set(std::move(observer));
 }
 
 }  // namespace rvtools

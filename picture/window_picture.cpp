@@ -8,7 +8,7 @@
 namespace rvtools::picture {
 
 std::optional<std::string> missingWindow(UInt8 window) {
-  if (window >= 8) return "Window is not a graphic window.";
+  if (window >= GraphicWindowCount) return "Window is not a graphic window.";
   if (!MemoryInitialized || !Windows[window].Initialized) {
     return "Window #" + std::to_string(window) + " not initialized.";
   }

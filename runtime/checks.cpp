@@ -7,7 +7,7 @@
 namespace rvtools {
 
 t_Window* checkedWindow(std::string_view operation, UInt8 window, Needs needs) {
-  if (window >= 8) {
+  if (window >= GraphicWindowCount) {
     logLine(operation, ": Window is not a graphic window.");
     return nullptr;
   }
@@ -32,7 +32,9 @@ Int pictureByteCount(Int width, Int height, Int depth) {
 
 bool pictureInsideBlock(const t_Window& record) {
   const Int width = record.Width, height = record.Height, start = record.MemoryStart;
-  if (width < 1 || height < 1 || width > 8192 || height > 8192 || start < 0) return false;
+  const bool sized =
+      width >= 1 && height >= 1 && width <= LargestPictureSide && height <= LargestPictureSide;
+  if (!sized || start < 0) return false;
   const Int last = start + pictureByteCount(width, height, record.BitDepth) - 1;
   return last <= record.MemoryEnd && last < static_cast<Int>(VideoMemory.size());
 }

@@ -13,19 +13,19 @@
 namespace rvtools {
 namespace {
 
-std::array<std::atomic<std::uint64_t>, 8>& versions() {
-  static auto* counters = new std::array<std::atomic<std::uint64_t>, 8>{};
+std::array<std::atomic<std::uint64_t>, GraphicWindowCount>& versions() {
+  static auto* counters = new std::array<std::atomic<std::uint64_t>, GraphicWindowCount>{};
   return *counters;
 }
 
 }  // namespace
 
 void markPictureChanged(UInt8 window) {
-  if (window < 8) versions()[window].fetch_add(1, std::memory_order_relaxed);
+  if (window < GraphicWindowCount) versions()[window].fetch_add(1, std::memory_order_relaxed);
 }
 
 std::uint64_t pictureVersion(UInt8 window) {
-  return window < 8 ? versions()[window].load(std::memory_order_relaxed) : 0;
+  return window < GraphicWindowCount ? versions()[window].load(std::memory_order_relaxed) : 0;
 }
 
 }  // namespace rvtools

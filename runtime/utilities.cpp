@@ -54,48 +54,29 @@ Int randomValue() {
 
 constexpr char32_t ReplacementCharacter = 0xFFFD;
 
-bool isContinuation(unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
-// The length of the well-formed UTF-8 sequence at text[at], or 0 when none starts there
-// (a stray continuation byte, an overlong form, a surrogate, a value above U+10FFFF, or a
-// sequence cut short by the end of the text).
-std::size_t sequenceLength(std::string_view text, std::size_t at) {
-  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
-  const unsigned char lead = byteAt(0);
-  if (lead < 0x80) return 1;
+// The length of the well-formed sequences that start with `lead` (0 for a byte that starts
+// none) and the range of their second byte, which rules out overlong forms, surrogates and
+// values beyond U+10FFFF.
+struct SequenceShape {
   std::size_t length = 0;
-  unsigned char low = 0x80, high = 0xBF;  // allowed range of the second byte
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    length = 2;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    length = 3;
-    if (lead == 0xE0) low = 0xA0;
-    if (lead == 0xED) high = 0x9F;
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    length = 4;
-    if (lead == 0xF0) low = 0x90;
-    if (lead == 0xF4) high = 0x8F;
-  } else {
-    return 0;
-  }
-  if (text.size() - at < length) return 0;
-  if (byteAt(1) < low || byteAt(1) > high) return 0;
-  for (std::size_t i = 2; i < length; ++i) {
-    if (!isContinuation(byteAt(i))) return 0;
-  }
-  return length;
+  unsigned char lowSecond = 0x80, highSecond = 0xBF;
+};
+
+SequenceShape shapeOf(unsigned char lead) {
+  if (lead >= 0xC2 && lead <= 0xDF) return {2};
+  if (lead == 0xE0) return {3, 0xA0};
+  if (lead == 0xED) return {3, 0x80, 0x9F};
+  if (lead >= 0xE1 && lead <= 0xEF) return {3};
+  if (lead == 0xF0) return {4, 0x90};
+  if (lead == 0xF4) return {4, 0x80, 0x8F};
+  if (lead >= 0xF1 && lead <= 0xF3) return {4};
+  return {};
 }
 
-char32_t decodeSequence(std::string_view text, std::size_t at, std::size_t length) {
-  const auto lead = static_cast<unsigned char>(text[at]);
-  if (length == 1) return lead;
-  char32_t scalar = lead & (0x7F >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    scalar = (scalar << 6) | (static_cast<unsigned char>(text[at + i]) & 0x3F);
-  }
-  return scalar;
+// The bytes a character takes at text[at]: an invalid byte counts as one character.
+std::size_t characterLength(std::string_view text, std::size_t at) {
+  const Utf8Sequence sequence = decodeUtf8(text.substr(at));
+  return sequence.Status == Utf8Status::Scalar ? sequence.Length : 1;
 }
 
 // Byte offset of the character with the given 0-based index; the text's size when the text
@@ -103,7 +84,7 @@ char32_t decodeSequence(std::string_view text, std::size_t at, std::size_t lengt
 std::size_t byteOffsetOfCharacter(std::string_view text, Int index) {
   std::size_t at = 0;
   for (Int skipped = 0; skipped < index && at < text.size(); ++skipped) {
-    at += std::max<std::size_t>(sequenceLength(text, at), 1);
+    at += characterLength(text, at);
   }
   return at;
 }
@@ -240,13 +221,32 @@ std::string kilobyteText(Int bytes) {
 // ---------------------------------------------------------------------------------------------
 // Unicode scalars
 
+Utf8Sequence decodeUtf8(std::string_view bytes) {
+  if (bytes.empty()) return {};
+  const auto lead = static_cast<unsigned char>(bytes[0]);
+  if (lead < 0x80) return {Utf8Status::Scalar, lead, 1};
+  const SequenceShape shape = shapeOf(lead);
+  if (shape.length == 0) return {Utf8Status::Invalid, 0, 1};
+  char32_t scalar = lead & (0x7F >> shape.length);
+  for (std::size_t i = 1; i < shape.length; ++i) {
+    if (i == bytes.size()) return {};
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    const unsigned char low = i == 1 ? shape.lowSecond : 0x80;
+    const unsigned char high = i == 1 ? shape.highSecond : 0xBF;
+    if (byte < low || byte > high) return {Utf8Status::Invalid, 0, 1};
+    scalar = (scalar << 6) | (byte & 0x3F);
+  }
+  return {Utf8Status::Scalar, scalar, shape.length};
+}
+
 std::vector<char32_t> scalarsOf(std::string_view text) {
   std::vector<char32_t> scalars;
   scalars.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t length = sequenceLength(text, at);
-    scalars.push_back(length == 0 ? ReplacementCharacter : decodeSequence(text, at, length));
-    at += std::max<std::size_t>(length, 1);
+    const Utf8Sequence sequence = decodeUtf8(text.substr(at));
+    const bool valid = sequence.Status == Utf8Status::Scalar;
+    scalars.push_back(valid ? sequence.Scalar : ReplacementCharacter);
+    at += valid ? sequence.Length : 1;
   }
   return scalars;
 }
@@ -254,7 +254,7 @@ std::vector<char32_t> scalarsOf(std::string_view text) {
 Int characterCount(std::string_view text) {
   Int count = 0;
   for (std::size_t at = 0; at < text.size(); ++count) {
-    at += std::max<std::size_t>(sequenceLength(text, at), 1);
+    at += characterLength(text, at);
   }
   return count;
 }

@@ -9,7 +9,6 @@
 #include <algorithm>
 
 #include "rvtools/runtime.hpp"
-#include "terminal/utf8.hpp"
 
 namespace rvtools::terminal {
 namespace {
@@ -321,13 +320,12 @@ InputParser::Step InputParser::readSingleShift(std::string_view bytes) {
 // One character, a control key or printable, typed as a US keyboard types it; a character no
 // key types comes with its text alone, as a dead or foreign key would.
 InputParser::Step InputParser::readCharacter(std::string_view bytes, Int extraFlags) {
-  bool complete = true;
-  const std::optional<DecodedCharacter> decoded = decodeUtf8(bytes, complete);
-  if (!decoded) return {complete ? std::size_t{1} : std::size_t{0}, std::nullopt};
-  KeyStroke stroke = keyStrokeOfCharacter(decoded->Character)
-                         .value_or(KeyStroke{Key::Unknown, utf8Of(decoded->Character), 0});
+  const Utf8Sequence sequence = decodeUtf8(bytes);
+  if (sequence.Status != Utf8Status::Scalar) return {sequence.Length, std::nullopt};
+  KeyStroke stroke = keyStrokeOfCharacter(sequence.Scalar)
+                         .value_or(KeyStroke{Key::Unknown, utf8Of(sequence.Scalar), 0});
   stroke.Flags |= extraFlags;
-  return {decoded->Length, std::move(stroke)};
+  return {sequence.Length, std::move(stroke)};
 }
 
 // The paste's bytes up to its end mark; while the mark has not come, all but the bytes that

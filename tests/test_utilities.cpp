@@ -136,5 +136,24 @@ TEST(UnicodeScalars, DecodeReplacesEachBadByteAndEncodeReplacesNonScalars) {
   EXPECT_EQ(utf8Of(0xD800), "\uFFFD");
 }
 
+// A reader of a stream keeps an incomplete tail for the next read, and skips an invalid byte.
+TEST(UnicodeScalars, TheFrontSequenceIsAScalarAnInvalidByteOrTheStartOfACutSequence) {
+  const auto status = [](std::string_view bytes) { return decodeUtf8(bytes).Status; };
+  const Utf8Sequence euro = decodeUtf8("\xE2\x82\xAC!");
+  EXPECT_EQ(std::tuple(euro.Status, euro.Scalar, euro.Length),
+            std::tuple(Utf8Status::Scalar, char32_t{0x20AC}, std::size_t{3}));
+  for (std::string_view cut : {"", "\xC2", "\xE0\xA0", "\xED\x9F", "\xF0\x90\x80", "\xF4\x8F"}) {
+    EXPECT_EQ(status(cut), Utf8Status::Incomplete) << ::testing::PrintToString(cut);
+  }
+  // Overlong forms, surrogates and values beyond U+10FFFF are refused from their first bytes on.
+  for (std::string_view bad :
+       {"\x80", "\xC1", "\xE0\x9F", "\xED\xA0", "\xF0\x8F", "\xF4\x90", "\xF5", "\xE2\x82!"}) {
+    const Utf8Sequence sequence = decodeUtf8(bad);
+    EXPECT_EQ(std::pair(sequence.Status, sequence.Length),
+              std::pair(Utf8Status::Invalid, std::size_t{1}))
+        << ::testing::PrintToString(bad);
+  }
+}
+
 }  // namespace
 }  // namespace rvtools::testing

@@ -16,8 +16,8 @@
 
 namespace rvtools {
 
-// No window has more columns or lines than this, whatever its font.
-inline constexpr Int LargestCellNumber = 8192;
+// No window has more columns or lines than this, whatever its font: a cell is at least a pixel.
+inline constexpr Int LargestCellNumber = LargestPictureSide;
 
 struct CellLimits {
   Int columns = 0;  // cells 1..columns of a line can exist

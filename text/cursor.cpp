@@ -21,9 +21,6 @@ namespace rvtools {
 namespace {
 
 constexpr UInt8 Blank = 32;
-// No window side, in pixels or cells, is larger; bounding the sizes first keeps every product
-// of the fast scroll far inside Int.
-constexpr Int LargestSide = 8192;
 
 // The window's text area, read once.
 struct Area {
@@ -122,8 +119,10 @@ struct FastScroll {
   BlockMove characters, colours, pixels;
 };
 
+// No window side, in pixels or cells, is larger than the largest picture side; bounding the
+// sizes first keeps every product of the fast scroll far inside Int.
 bool withinSides(Int value) {
-  return value >= 1 && value <= LargestSide;
+  return value >= 1 && value <= LargestPictureSide;
 }
 
 // Whether the record's sizes and block addresses are those of a real window and the area lies

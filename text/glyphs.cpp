@@ -289,7 +289,7 @@ CellLimits cellLimits(const t_Window& record) {
 }
 
 void t_PrintSymbol(UInt8 window, UInt8 character, UInt8 color, Int column, Int line) {
-  if (window > 7) {
+  if (window >= GraphicWindowCount) {
     logLine("t_PrintSymbol: Window is not a graphic window.");
     return;
   }

@@ -296,7 +296,7 @@ void t_PrintTab(UInt8 window, Int column, UInt8 code) {
 }
 
 void t_PrintControl(UInt8 window, UInt8 code) {
-  if (window > 7) {
+  if (window >= GraphicWindowCount) {
     logLine("t_PrintControl: Window is not a graphic window.");
     return;
   }

@@ -31,9 +31,6 @@ struct t_Image {
 std::optional<t_Image> t_WindowImage(UInt8 window);
 
 // The byte order that `t_WindowImageInto` writes.
-// The largest picture side, in pixels, that the runtime composes.
-inline constexpr Int LargestPictureSide = 8192;
-
 enum class PixelOrder {
   AlphaRedGreenBlue,  // bytes A, R, G, B, as t_WindowImage
   NativeArgb32,       // 32-bit words 0xAARRGGBB in the machine's byte order

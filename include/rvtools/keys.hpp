@@ -83,6 +83,13 @@ inline constexpr Int Down = 10, Up = 11, Return = 13, PageUp = 18, ControlS = 19
 inline constexpr Int ShiftTab = 20, Right = 21, Escape = 27, Backspace = 127, F1 = 129;
 }  // namespace KeyValue
 
+// The further codes that the line editor (t_InputEdit) acts on, typed with control (control-A
+// is 1): besides them it reads the KeyValue codes of the cursor and editing keys.
+namespace EditKey {
+inline constexpr Int Redraw = 0, LineStart = 1, WordRight = 4, LineEnd = 6, Copy = 12;
+inline constexpr Int WordLeft = 19, Clear = 26, CodeEntry = 30, PlaceCursor = 31;
+}  // namespace EditKey
+
 // ---------------------------------------------------------------------------------------------
 // Typing a character
 

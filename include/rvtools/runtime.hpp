@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "rvtools/platform.hpp"
@@ -28,9 +29,9 @@ inline constexpr Int VideoMemorySize = 0x100000F;
 inline constexpr Int TopOfVideoMemory = 0xFFFFFF;
 inline constexpr Int ProgramThreadStackSize = 1073741824;
 
-extern std::array<t_Window, 8>& Windows;  // record n belongs to graphic window n
-extern std::vector<UInt8>& VideoMemory;   // empty until t_InitMemory, then 0x100000F bytes
-extern Int HighMemory;                    // highest address not yet given to a window
+extern std::array<t_Window, GraphicWindowCount>& Windows;  // record n: graphic window n
+extern std::vector<UInt8>& VideoMemory;  // empty until t_InitMemory, then 0x100000F bytes
+extern Int HighMemory;                   // highest address not yet given to a window
 extern Relaxed<bool> MemoryInitStarted;
 extern Relaxed<bool> MemoryInitialized;
 extern Relaxed<bool> ToolsInitialized;
@@ -112,6 +113,43 @@ extern Relaxed<bool> CapsLockDown, ShiftDown, ControlDown, OptionDown, CommandDo
 extern Relaxed<bool> LeftMouseDown, RightMouseDown;
 
 // ---------------------------------------------------------------------------------------------
+// Handler slots
+
+// A handler that one thread installs while others call it. A call runs a copy of the handler
+// installed at that moment, without the lock, so that a handler may install another.
+template <typename Signature>
+class HandlerSlot {
+ public:
+  using Handler = std::function<Signature>;
+
+  // Installs a handler; an empty one leaves the slot empty.
+  void set(Handler handler) {
+    std::lock_guard lock(mutex_);
+    handler_ = std::move(handler);
+  }
+  bool isSet() const {
+    std::lock_guard lock(mutex_);
+    return static_cast<bool>(handler_);
+  }
+  // The installed handler; empty when none is.
+  Handler current() const {
+    std::lock_guard lock(mutex_);
+    return handler_;
+  }
+  // Calls the installed handler, if any; says whether there was one.
+  template <typename... Arguments>
+  bool callIfSet(Arguments&&... arguments) const {
+    const Handler handler = current();
+    if (handler) handler(std::forward<Arguments>(arguments)...);
+    return static_cast<bool>(handler);
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  Handler handler_;
+};
+
+// ---------------------------------------------------------------------------------------------
 // Start-up and the program thread
 
 void initrvtools();                                             // fills the character tables
@@ -150,6 +188,21 @@ std::string TextMiddle(std::string_view text, Int start, Int length);
 std::string RealToText(double value);  // shortest form, decimal comma
 std::string ByteToHex(UInt8 value);    // two upper-case digits
 std::string HexText(Int value);        // eight upper-case digits, low 32 bits
+// What the UTF-8 sequence at the front of some bytes is.
+enum class Utf8Status {
+  Scalar,      // a well-formed sequence of Length bytes
+  Invalid,     // the first byte starts no well-formed sequence; Length 1
+  Incomplete,  // the bytes end inside a well-formed beginning, or are empty; Length 0
+};
+struct Utf8Sequence {
+  Utf8Status Status = Utf8Status::Incomplete;
+  char32_t Scalar = 0;
+  std::size_t Length = 0;
+};
+// Reads the sequence at the front of `bytes`. Overlong forms, surrogates, values beyond
+// U+10FFFF and stray continuation bytes are invalid; a reader of a stream keeps an incomplete
+// tail for the bytes that come next.
+Utf8Sequence decodeUtf8(std::string_view bytes);
 // The Unicode scalars of UTF-8 text; a byte that starts no valid sequence becomes U+FFFD.
 std::vector<char32_t> scalarsOf(std::string_view text);
 // The UTF-8 form of one scalar; a value that is no scalar becomes U+FFFD.

@@ -117,6 +117,11 @@ struct t_Rect {
   double X = 0, Y = 0, Width = 0, Height = 0;
 };
 
+// Graphic windows are numbered 0 to GraphicWindowCount - 1.
+inline constexpr UInt8 GraphicWindowCount = 8;
+// The largest picture side, in pixels, that a window has and the runtime composes.
+inline constexpr Int LargestPictureSide = 8192;
+
 // The record of one graphic window, 53 fields with their initial values.
 struct t_Window {
   Relaxed<bool> Initialized = false;
@@ -173,6 +178,11 @@ struct t_Window {
   Relaxed<Int> TextMemoryStart = -1;
   Relaxed<Int> TextMemoryEnd = -1;
 };
+
+// The Kind of an event: a key (t_Event), a click (t_Event) or a menu choice (t_MenuEvent).
+inline constexpr Int KeyEventKind = 1;
+inline constexpr Int MouseEventKind = 2;
+inline constexpr Int MenuEventKind = 3;
 
 // One keyboard (Kind 1) or mouse (Kind 2) event.
 struct t_Event {
