@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <thread>
 
 #include "runtime/arithmetic.hpp"
@@ -30,8 +31,43 @@ namespace {
 constexpr Int BlockAlignmentMask = 0xFFFFF400;
 // The lowest 64 K are never handed to a window.
 constexpr Int ReservedLowMemory = 0x10000;
+// A side outside SmallestSide..LargestPictureSide gives way to the fallback size.
 constexpr Int SmallestSide = 32;
-constexpr Int LargestSide = 8192;
+constexpr Int FallbackWidth = 1280;
+constexpr Int FallbackHeight = 800;
+// What a new window starts with: the refresh rate in frames a second, the text colour
+// (foreground colour 12 in the high nibble, background 0 in the low one), and the palette
+// colours of the drawing colour and the border.
+constexpr Int DefaultRefreshRate = 30;
+constexpr UInt8 DefaultTextColor = 192;
+constexpr Int DefaultDrawingColor = 0;
+constexpr Int DefaultBorderColor = 5;
+
+// A window's picture size and depth once corrected, and the bytes that its blocks take.
+struct Geometry {
+  Int width = 0;
+  Int height = 0;
+  Int depth = 0;
+  Int pictureBytes = 0;
+  Int columns = -1;  // -1 for a window without text
+  Int lines = -1;
+  Int textBytes = 0;
+};
+
+// The frame around the picture: the border on each side and the height of the title bar.
+struct Frame {
+  Int borderWidth = 0;
+  Int borderHeight = 0;
+  Int titleHeight = 0;
+};
+
+// The inclusive address ranges of a window's blocks; -1 for a text block that is not there.
+struct Blocks {
+  Int memoryStart = -1;
+  Int memoryEnd = -1;
+  Int textStart = -1;
+  Int textEnd = -1;
+};
 
 std::string prefix(UInt8 window) {
   return "t_InitWindow: GraphicWindow #" + std::to_string(window);
@@ -58,7 +94,7 @@ void deleteOldBlocks(UInt8 window, t_Window& record) {
             HexText(textSize), ".");
     delta += textSize;
   }
-  for (UInt8 i = 0; i < 8; ++i) {
+  for (UInt8 i = 0; i < GraphicWindowCount; ++i) {
     t_Window& other = Windows[i];
     if (!other.Initialized || other.MemoryStart >= oldEnd) continue;
     const Int start = other.MemoryStart, end = other.MemoryEnd;
@@ -143,128 +179,161 @@ void startRefreshIfStopped() {
   std::thread(t_WindowAutoUpdateProcess).detach();
 }
 
-}  // namespace
-
-void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int height,
-                  Int borderWidth, Int borderHeight, const t_Font& font, bool titleVisible) {
-  if (window >= 8) {
-    logLine("t_InitWindow: Window is not a graphic window.");
-    return;
-  }
-  const std::string p = prefix(window);
-  logLine(p, " Start.");
+// Creates the video memory or waits until it is there, makes the window the default one when
+// there is none yet, and starts the refresh.
+void prepareRuntime(UInt8 window) {
   waitForMemory();
-  if (DefaultWindow >= 255) DefaultWindow = window;
+  if (DefaultWindow >= NoWindow) DefaultWindow = window;
   startRefreshIfStopped();
-  t_Window& record = Windows[window];
-  if (record.Initialized) deleteOldBlocks(window, record);
-  const Int available = HighMemory - ReservedLowMemory;
+}
 
-  if (width < SmallestSide || width > LargestSide) {
-    logLine(p, " cannot display ", width, " horizontal pixel.");
-    width = 1280;
-  }
-  if (height < SmallestSide || height > LargestSide) {
-    logLine(p, " cannot display ", height, " vertical pixel.");
-    height = 800;
-  }
-  if (!isSupportedDepth(bitDepth)) {
-    logLine(p, " unsupported ", bitDepth, " bit depth.");
-    return;
-  }
-  // The two roundings differ on purpose: depth 4 rounds to the nearer multiple of 4 (4k+2
-  // goes down), depth 1 always rounds up to a multiple of 8.
-  if (bitDepth == 4 && width % 4 != 0) {
+Int correctedSide(const std::string& p, Int side, Int fallback, const char* direction) {
+  if (side >= SmallestSide && side <= LargestPictureSide) return side;
+  logLine(p, " cannot display ", side, " ", direction, " pixel.");
+  return fallback;
+}
+
+// The two roundings differ on purpose: depth 4 rounds to the nearer multiple of 4 (4k+2 goes
+// down), depth 1 always rounds up to a multiple of 8.
+Int roundedWidth(const std::string& p, Int width, Int depth) {
+  if (depth == 4 && width % 4 != 0) {
     logLine(p, " width with 4 bit depth must be a multiple of 4.");
-    width = ((width + 1) / 4) * 4;
+    return ((width + 1) / 4) * 4;
   }
-  if (bitDepth == 1 && width % 8 != 0) {
+  if (depth == 1 && width % 8 != 0) {
     logLine(p, " width with 1 bit depth must be a multiple of 8.");
-    width = ((width + 7) / 8) * 8;
+    return ((width + 7) / 8) * 8;
   }
+  return width;
+}
 
-  const Int pictureBytes = pictureByteCount(width, height, bitDepth);
-  if (available < pictureBytes) {
-    logLine(p, " has not enough graphic-video-memory (", available / 1024, "K available).");
-    logLine("t_InitWindow: Displaying ", width, " x ", height, " pixel x ", bitDepth, " bit needs ",
-            kilobyteText(pictureBytes), "K video-memory.");
-    return;
+// The size, depth and block sizes of the window; nothing for a depth the runtime cannot draw.
+// Each correction logs its line.
+std::optional<Geometry> correctedGeometry(const std::string& p, Int depth, Int width, Int height,
+                                          const t_Font& font) {
+  Geometry geometry;
+  geometry.width = correctedSide(p, width, FallbackWidth, "horizontal");
+  geometry.height = correctedSide(p, height, FallbackHeight, "vertical");
+  if (!isSupportedDepth(depth)) {
+    logLine(p, " unsupported ", depth, " bit depth.");
+    return std::nullopt;
   }
-  Int columns = -1, lines = -1, textBytes = 0;
+  geometry.depth = depth;
+  geometry.width = roundedWidth(p, geometry.width, depth);
+  geometry.pictureBytes = pictureByteCount(geometry.width, geometry.height, depth);
   if (!font.Data.empty()) {
-    columns = font.Width == 0 ? 0 : width / font.Width;
-    lines = font.Height == 0 ? 0 : height / font.Height;
-    textBytes = columns * lines * 2;
-    // Each block is checked against the same available figure, on its own.
-    if (available < textBytes) {
-      logLine(p, " has not enough text-video-memory (", available / 1024, "K available).");
-      logLine("t_InitWindow: Displaying ", width, " x ", height, " characters needs ",
-              kilobyteText(textBytes), "K text-video-memory.");
-      return;
-    }
+    geometry.columns = font.Width == 0 ? 0 : geometry.width / font.Width;
+    geometry.lines = font.Height == 0 ? 0 : geometry.height / font.Height;
+    geometry.textBytes = geometry.columns * geometry.lines * 2;
   }
+  return geometry;
+}
+
+// Whether the free memory holds each block, checked on its own; logs why not.
+bool fitsInMemory(const std::string& p, const Geometry& geometry) {
+  const Int available = HighMemory - ReservedLowMemory;
+  if (available < geometry.pictureBytes) {
+    logLine(p, " has not enough graphic-video-memory (", available / 1024, "K available).");
+    logLine("t_InitWindow: Displaying ", geometry.width, " x ", geometry.height, " pixel x ",
+            geometry.depth, " bit needs ", kilobyteText(geometry.pictureBytes), "K video-memory.");
+    return false;
+  }
+  if (available < geometry.textBytes) {
+    logLine(p, " has not enough text-video-memory (", available / 1024, "K available).");
+    logLine("t_InitWindow: Displaying ", geometry.width, " x ", geometry.height,
+            " characters needs ", kilobyteText(geometry.textBytes), "K text-video-memory.");
+    return false;
+  }
+  return true;
+}
+
+// Hides the title bar if asked to, and gives a negative border the rest of the screen.
+Frame prepareFrame(UInt8 window, const std::string& p, const Geometry& geometry, bool titleVisible,
+                   Int borderWidth, Int borderHeight) {
   if (!titleVisible) {
     t_WindowTitleVisible(window, false);
     logLine(p, " title will be invisible.");
   }
   if (borderWidth < 0 || borderHeight < 0) {
     const ScreenSize screen = t_WindowInfo(window).Screen;
-    if (borderWidth < 0) borderWidth = screen.Width - width;
-    if (borderHeight < 0) borderHeight = screen.Height - height;
+    if (borderWidth < 0) borderWidth = screen.Width - geometry.width;
+    if (borderHeight < 0) borderHeight = screen.Height - geometry.height;
   }
+  return {borderWidth, borderHeight, titleVisible ? TitleBarDelta.load() : 0};
+}
 
+// Takes the graphic block and, for a window with text, the text block below it.
+Blocks carveBlocks(const std::string& p, const Geometry& geometry) {
+  Blocks blocks;
+  blocks.memoryEnd = HighMemory;
+  blocks.memoryStart = allocateBlock(geometry.pictureBytes);
+  logLine(p, " = ", geometry.width, " x ", geometry.height, " pixel x ", geometry.depth,
+          " bit = ", kilobyteText(geometry.pictureBytes), "K video-memory = $",
+          HexText(blocks.memoryStart), ".");
+  if (geometry.textBytes > 0) {
+    blocks.textEnd = HighMemory;
+    blocks.textStart = allocateBlock(geometry.textBytes);
+  }
+  return blocks;
+}
+
+void fillPictureFields(t_Window& record, const Geometry& geometry, const Frame& frame,
+                       bool autoUpdate) {
   record.UpdateStarted = 0;
   record.UpdateFinished = 0;
   record.VerticalBlank = true;
   record.IgnoreEvents = false;
-  record.RefreshRate = 30;
+  record.RefreshRate = DefaultRefreshRate;
   record.AutoUpdate = autoUpdate;
   record.QuickUpdate = true;
   record.ScrollLock = false;
-  record.BitDepth = bitDepth;
-  record.Width = width;
-  record.Height = height;
-  record.BorderWidth = borderWidth;
-  record.BorderHeight = borderHeight;
-  record.TitleHeight = titleVisible ? TitleBarDelta.load() : 0;
-  record.RGBColor = PaletteColor(0);
-  record.RGBColorBorder = PaletteColor(5);
+  record.BitDepth = geometry.depth;
+  record.Width = geometry.width;
+  record.Height = geometry.height;
+  record.BorderWidth = frame.borderWidth;
+  record.BorderHeight = frame.borderHeight;
+  record.TitleHeight = frame.titleHeight;
+  record.RGBColor = PaletteColor(DefaultDrawingColor);
+  record.RGBColorBorder = PaletteColor(DefaultBorderColor);
   record.DrawingMode = 0;
   record.PositionX = 0;
   record.PositionY = 0;
+}
 
-  record.MemoryEnd = HighMemory;
-  record.MemoryStart = allocateBlock(pictureBytes);
-  logLine(p, " = ", width, " x ", height, " pixel x ", bitDepth,
-          " bit = ", kilobyteText(pictureBytes), "K video-memory = $", HexText(record.MemoryStart),
-          ".");
-
-  record.TextWidth = columns;
-  record.TextHeight = lines;
+// The text area is the whole window, the cursor at its first cell; text positions count from 1.
+void fillTextFields(t_Window& record, const Geometry& geometry) {
+  record.TextWidth = geometry.columns;
+  record.TextHeight = geometry.lines;
   record.TextFirstColumn = 1;
-  record.TextLastColumn = columns;
+  record.TextLastColumn = geometry.columns;
   record.TextFirstLine = 1;
-  record.TextLastLine = lines;
+  record.TextLastLine = geometry.lines;
   record.TextHpos = 1;
   record.TextVpos = 1;
-  record.TextColor = 192;
+  record.TextColor = DefaultTextColor;
   record.LoResOffsetX = 0;
   record.LoResOffsetY = 0;
   record.LoResMode = 0;
-  if (textBytes > 0) {
-    record.TextMemoryEnd = HighMemory;
-    record.TextMemoryStart = allocateBlock(textBytes);
-  } else {
-    record.TextMemoryStart = -1;
-    record.TextMemoryEnd = -1;
-  }
+}
 
+void fillRecord(t_Window& record, const Geometry& geometry, const Frame& frame,
+                const Blocks& blocks, bool autoUpdate) {
+  fillPictureFields(record, geometry, frame, autoUpdate);
+  record.MemoryStart = blocks.memoryStart;
+  record.MemoryEnd = blocks.memoryEnd;
+  fillTextFields(record, geometry);
+  record.TextMemoryStart = blocks.textStart;
+  record.TextMemoryEnd = blocks.textEnd;
+}
+
+// Binds the window to its view and shows it there: a cleared picture, its title, its size and
+// its border colour. Without a view the window stays uninitialised and keeps its new blocks.
+void showOnView(UInt8 window, const std::string& p, t_Window& record, const t_Font& font) {
   const PlatformHandle view = host().viewHandle(window);
   if (view == nullptr) {
     record.Initialized = false;
     record.Font = EmptyFont();
     logLine(p, " could not be initialized, resource undefined.");
-    logLine(p, " End.");
     return;
   }
   record.Initialized = true;
@@ -274,8 +343,29 @@ void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int he
   clearPicture(record);
   markPictureChanged(window);
   t_WindowTitle(window, windowTitle(record.TextMemoryStart >= 0));
-  t_WindowSize(window, -1, -1, width, height);
-  t_ColorBorder(window, 5);
+  t_WindowSize(window, -1, -1, record.Width, record.Height);
+  t_ColorBorder(window, DefaultBorderColor);
+}
+
+}  // namespace
+
+void t_InitWindow(UInt8 window, Int bitDepth, bool autoUpdate, Int width, Int height,
+                  Int borderWidth, Int borderHeight, const t_Font& font, bool titleVisible) {
+  if (window >= GraphicWindowCount) {
+    logLine("t_InitWindow: Window is not a graphic window.");
+    return;
+  }
+  const std::string p = prefix(window);
+  logLine(p, " Start.");
+  prepareRuntime(window);
+  t_Window& record = Windows[window];
+  if (record.Initialized) deleteOldBlocks(window, record);
+  const std::optional<Geometry> geometry = correctedGeometry(p, bitDepth, width, height, font);
+  if (!geometry || !fitsInMemory(p, *geometry)) return;
+  const Frame frame = prepareFrame(window, p, *geometry, titleVisible, borderWidth, borderHeight);
+  const Blocks blocks = carveBlocks(p, *geometry);
+  fillRecord(record, *geometry, frame, blocks, autoUpdate);
+  showOnView(window, p, record, font);
   logLine(p, " End.");
 }
 
