@@ -21,21 +21,6 @@ using namespace std::chrono_literals;
 using headless::Click;
 using headless::MenuChoice;
 
-bool programRunning() {
-  return ProgramStartPending || runningProgramThreads() > 0;
-}
-
-// The window the program initialised first, once it is up; nothing when the program ended
-// without one.
-std::optional<UInt8> firstWindowWhenUp() {
-  for (;;) {
-    const UInt8 window = DefaultWindow;
-    if (MemoryInitialized && window < 8 && Windows[window].Initialized) return window;
-    if (!programRunning()) return std::nullopt;
-    std::this_thread::sleep_for(10ms);
-  }
-}
-
 // Waits until the program has taken every key typed so far, or has ended.
 void waitUntilKeysTaken() {
   while (EventPending && programRunning()) std::this_thread::sleep_for(10ms);
@@ -51,10 +36,9 @@ void type(UInt8 window, const std::vector<KeyStroke>& keys) {
 // A left click at a pixel of the drawing area, in window coordinates: the content's lower left
 // is the origin, the border included.
 void click(UInt8 window, const Click& at) {
-  const t_Window& record = Windows[window];
-  const double x = static_cast<double>(at.X + record.BorderWidth);
-  const double y = static_cast<double>(record.BorderHeight + record.Height - at.Y);
-  viewMouseDown(window, {1, 0}, x, y, false);
+  const WindowPoint point =
+      WindowView(window).windowPointOf(static_cast<double>(at.X), static_cast<double>(at.Y));
+  viewMouseDown(window, {1, 0}, point.X, point.Y, false);
   viewMouseUp();
 }
 
@@ -75,12 +59,12 @@ void choose(HeadlessHost& host, const MenuChoice& choice) {
 
 void startRecording(const std::string& path) {
   if (path.empty()) return;
-  if (const std::optional<UInt8> window = firstWindowWhenUp()) t_RecordStart(*window, path);
+  if (const std::optional<UInt8> window = waitForFirstWindow()) t_RecordStart(*window, path);
 }
 
 void giveInputs(HeadlessHost& host, const std::vector<headless::ScriptedInput>& inputs) {
   if (inputs.empty()) return;
-  const std::optional<UInt8> window = firstWindowWhenUp();
+  const std::optional<UInt8> window = waitForFirstWindow();
   if (!window) return;
   for (const headless::ScriptedInput& input : inputs) {
     waitUntilKeysTaken();
@@ -116,7 +100,7 @@ int runHeadless(int argc, char** argv, std::function<void()> entry) {
   runLaunchSequence(std::move(entry));
   startRecording(options.RecordPath);
   giveInputs(*host, options.Inputs);
-  while (programRunning()) std::this_thread::sleep_for(10ms);
+  waitForProgramEnd();
   leaveFiles(options);
   runTerminationSequence();
   return 0;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The installed host, and the host that stands in before one is installed: it has no windows,
-// no views, no menus, no text views and no sounds, so every platform request finds nothing.
+// The installed host, the defaults of the host's optional parts, and the host that stands in
+// before one is installed: it has no windows and no views, so every platform request finds
+// nothing.
 #include "rvtools/platform.hpp"
 
 #include <stdlib.h>
 #include <time.h>
 
+#include <array>
 #include <atomic>
 
 namespace rvtools {
@@ -14,39 +16,23 @@ namespace {
 // Seconds between 1 January 1970 and 1 January 2001.
 constexpr double UnixTimeOf2001 = 978307200.0;
 
+// The handles of the default window lookup: one distinct address for each window and view.
+std::array<char, MainWindowNumber + 1> windowMarkers;
+std::array<char, 8> viewMarkers;
+
 class WindowlessHost final : public Host {
  public:
   bool isInterfaceThread() const override { return true; }
   void runOnInterfaceThread(const std::function<void()>& work) override { work(); }
-  PlatformHandle windowHandle(UInt8) override { return nullptr; }
-  PlatformHandle viewHandle(UInt8) override { return nullptr; }
   void displayView(UInt8, bool) override {}
   void setWindowTitle(UInt8, const std::string&) override {}
-  void setWindowTitleVisible(UInt8, bool) override {}
-  void setWindowPosition(UInt8, Int, Int) override {}
   void setWindowContentSize(UInt8, Int, Int) override {}
-  void bringWindowToFront(UInt8) override {}
-  void centerWindow(UInt8) override {}
   void setWindowVisible(UInt8, bool) override {}
+  void bringWindowToFront(UInt8) override {}
   WindowFrame windowFrame(UInt8) override { return {}; }
-  ScreenSize screenSize() override { return {}; }
-  void setBorderColor(UInt8, t_RGBColor) override {}
-  std::string bundlePath() override { return {}; }
-  bool playSound(Sound) override { return false; }
-  void systemBeep() override {}
-  std::string pasteboardText() override { return {}; }
-  void setPasteboardText(const std::string&) override {}
-  void setPasteboardImage(const t_Image&) override {}
-  std::optional<std::vector<std::string>> menuItemTitles(const std::string&) override {
-    return std::nullopt;
-  }
-  void deleteMenuItem(const std::string&, Int) override {}
   UInt8 frontWindow() override { return NoWindow; }
-  std::string runFilePanel(const FilePanelRequest&) override { return {}; }
-  std::optional<std::string> textViewText(UInt8) override { return std::nullopt; }
-  bool appendToTextView(UInt8, const std::string&) override { return false; }
-  bool clearTextView(UInt8) override { return false; }
-  void preparePasteboardView() override {}
+  PlatformHandle windowHandle(UInt8) override { return nullptr; }
+  PlatformHandle viewHandle(UInt8) override { return nullptr; }
 };
 
 Host& windowlessHost() {
@@ -61,6 +47,76 @@ std::atomic<Host*>& installedHost() {
 
 }  // namespace
 
+PlatformHandle Host::windowHandle(UInt8 window) {
+  return window <= MainWindowNumber ? &windowMarkers[window] : nullptr;
+}
+
+PlatformHandle Host::viewHandle(UInt8 window) {
+  return window < viewMarkers.size() ? &viewMarkers[window] : nullptr;
+}
+
+void Host::setWindowTitleVisible(UInt8, bool) {}
+void Host::setWindowPosition(UInt8, Int, Int) {}
+void Host::centerWindow(UInt8) {}
+
+ScreenSize Host::screenSize() {
+  return {};
+}
+
+void Host::setBorderColor(UInt8, t_RGBColor) {}
+
+std::string Host::bundlePath() {
+  return bundleAroundExecutable();
+}
+
+bool Host::playSound(Sound) {
+  return false;
+}
+
+void Host::systemBeep() {}
+
+std::string Host::pasteboardText() {
+  std::lock_guard lock(pasteboardMutex_);
+  return pasteboard_;
+}
+
+void Host::setPasteboardText(const std::string& text) {
+  std::lock_guard lock(pasteboardMutex_);
+  pasteboard_ = text;
+}
+
+void Host::setPasteboardImage(const t_Image&) {
+  setPasteboardText({});
+}
+
+void Host::setPasteboardScreenText(UInt8, const std::string& screen) {
+  setPasteboardText(screen);
+}
+
+std::optional<std::vector<std::string>> Host::menuItemTitles(const std::string&) {
+  return std::nullopt;
+}
+
+void Host::deleteMenuItem(const std::string&, Int) {}
+
+std::string Host::runFilePanel(const FilePanelRequest&) {
+  return {};
+}
+
+std::optional<std::string> Host::textViewText(UInt8) {
+  return std::nullopt;
+}
+
+bool Host::appendToTextView(UInt8, const std::string&) {
+  return false;
+}
+
+bool Host::clearTextView(UInt8) {
+  return false;
+}
+
+void Host::preparePasteboardView() {}
+
 double Host::absoluteTime() {
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);
@@ -69,10 +125,6 @@ double Host::absoluteTime() {
 
 std::uint32_t Host::randomWord() {
   return arc4random();
-}
-
-void Host::setPasteboardScreenText(UInt8, const std::string& screen) {
-  setPasteboardText(screen);
 }
 
 void setHost(Host& host) {

@@ -3,9 +3,13 @@
 // 0..12. The platform work is the host's; a number without a window is refused with
 // "<operation>: Window does not exist.". Showing or hiding a graphic window also sets its
 // record's Visible, since an invisible window composes no picture.
+#include "runtime/window_frames.hpp"
+
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
+#include <mutex>
 
 #include "runtime/arithmetic.hpp"
 #include "runtime/log.hpp"
@@ -32,6 +36,18 @@ Int screenCoordinate(Int value) {
 // A graphic window's drawing area with its border on both sides.
 Int withBorders(Int size, Int border) {
   return saturatingSum(size, saturatingProduct(border, 2));
+}
+
+// The titles the program gave graphic windows 0..7, for the hosts that draw the title
+// themselves. Created once and never destroyed, as every global of the runtime.
+struct GraphicWindowTitles {
+  std::mutex Mutex;
+  std::array<std::string, 8> Titles;
+};
+
+GraphicWindowTitles& graphicWindowTitles() {
+  static auto* titles = new GraphicWindowTitles;
+  return *titles;
 }
 
 void markVisible(UInt8 window, bool visible) {
@@ -61,6 +77,11 @@ void t_WindowSize(UInt8 window, Int x, Int y, Int width, Int height) {
 
 void t_WindowTitle(UInt8 window, const std::string& title) {
   if (!windowExists("t_WindowTitle", window)) return;
+  if (window < 8) {
+    GraphicWindowTitles& titles = graphicWindowTitles();
+    std::lock_guard lock(titles.Mutex);
+    titles.Titles[window] = title;
+  }
   host().setWindowTitle(window, title);
 }
 
@@ -89,6 +110,13 @@ void t_WindowVisible(UInt8 window, bool visible) {
 t_WindowInformation t_WindowInfo(UInt8 window) {
   if (!windowExists("t_WindowInfo", window)) return {};
   return {host().windowFrame(window), host().screenSize()};
+}
+
+std::string graphicWindowTitle(UInt8 window) {
+  if (window >= 8) return {};
+  GraphicWindowTitles& titles = graphicWindowTitles();
+  std::lock_guard lock(titles.Mutex);
+  return titles.Titles[window];
 }
 
 }  // namespace rvtools

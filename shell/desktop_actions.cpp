@@ -28,15 +28,7 @@ namespace {
 constexpr int PaperFontSize = 10;
 
 bool graphicWindowReady(UInt8 window) {
-  return window < 8 && MemoryInitialized && Windows[window].Initialized;
-}
-
-// The file name a window's title suggests: "Kessvind" gives "Kessvind.png".
-QString fileNameAfter(const QString& title, UInt8 number, const QString& suffix) {
-  QString name = title.trimmed();
-  name.replace('/', '-');
-  if (name.isEmpty()) name = QStringLiteral("Window %1").arg(number);
-  return name + suffix;
+  return WindowView(window).ready();
 }
 
 // Why nothing could be written at `path`, as creating a file beside it tells.
@@ -100,17 +92,19 @@ QString DesktopActions::titleOf(UInt8 window) const {
 // window's title with `suffix` ("png") among the files of that kind; empty when cancelled.
 QString DesktopActions::askWhereToSave(UInt8 window, const QString& title, const QString& kind,
                                        const QString& suffix) const {
-  return askForFile(delegate_.window(window), {true,
-                                               title,
-                                               {},
-                                               fileNameAfter(titleOf(window), window, '.' + suffix),
-                                               kind + " (*." + suffix + ')',
-                                               suffix});
+  return askForFile(delegate_.window(window),
+                    {true,
+                     title,
+                     {},
+                     QString::fromStdString(fileNameFromTitle(titleOf(window).toStdString(), window,
+                                                              '.' + suffix.toStdString())),
+                     kind + " (*." + suffix + ')',
+                     suffix});
 }
 
 bool DesktopActions::canSaveText(UInt8 window) const {
   if (window == VirtualPrinterWindowNumber || window == SystemConsoleWindowNumber) return true;
-  return graphicWindowReady(window) && Windows[window].TextMemoryStart >= 0;
+  return WindowView(window).hasText();
 }
 
 void DesktopActions::updateMenuItems() {
@@ -123,11 +117,12 @@ void DesktopActions::updateMenuItems() {
   }
   const UInt8 front = frontWindow();
   const bool graphic = graphicWindowReady(front);
-  items_.SavePicture->setEnabled(graphic && Windows[front].Visible);
+  const bool shown = graphic && WindowView(front).visible();
+  items_.SavePicture->setEnabled(shown);
   items_.SaveText->setEnabled(canSaveText(front));
   items_.Print->setEnabled(front == VirtualPrinterWindowNumber);
   const bool recording = graphic && t_IsRecording(front);
-  items_.StartRecording->setEnabled(graphic && Windows[front].Visible && !recording);
+  items_.StartRecording->setEnabled(shown && !recording);
   items_.StopRecording->setEnabled(recording);
   items_.FullScreen->setEnabled(graphic);
   items_.FullScreen->setChecked(graphic && delegate_.window(front)->isFullScreen());

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The graphic windows and their views: the picture is composed on the interface thread into an
-// image kept across frames and drawn with nearest-neighbour scaling; VerticalBlank is false while
-// a frame is being composed. Keys go to the runtime's key handler, clicks in the view or in the
-// border to its mouse handler in window coordinates.
+// image kept across frames and drawn with nearest-neighbour scaling. Keys go to the runtime's key
+// handler, clicks in the view or in the border to its mouse handler in window coordinates.
 #include "shell/graphic_window.hpp"
 
 #include <QKeyEvent>
@@ -15,11 +14,6 @@
 
 namespace rvtools::shell {
 namespace {
-
-// The largest picture the runtime composes; anything else is refused by the composition.
-constexpr Int LargestSide = 8192;
-// How long a kept picture may be shown without composing it again.
-constexpr std::chrono::seconds PictureLifetime{1};
 
 QString viewName(UInt8 window) {
   return QStringLiteral("View%1").arg(window, 2, 10, QLatin1Char('0'));
@@ -47,48 +41,33 @@ GraphicView::GraphicView(UInt8 window, GraphicWindow& owner)
 }
 
 bool GraphicView::pictureIsCurrent() const {
-  const t_Window& record = Windows[window_];
-  const auto age = std::chrono::steady_clock::now().time_since_epoch() -
-                   std::chrono::steady_clock::duration(composedAt_);
-  return composed_ && composedVersion_ == pictureVersion(window_) &&
-         composedWidth_ == record.Width && composedHeight_ == record.Height &&
-         age < PictureLifetime;
+  return shown_.isCurrent(WindowView(window_));
 }
 
-// The version is read before composing, so that a change made meanwhile composes again.
 bool GraphicView::composePicture() {
-  const std::uint64_t version = pictureVersion(window_);
-  composed_ = false;
-  const t_Window& record = Windows[window_];
-  const Int width = record.Width, height = record.Height;
-  const bool drawable = width >= 1 && height >= 1 && width <= LargestSide && height <= LargestSide;
+  const WindowView view(window_);
+  const Int width = view.width(), height = view.height();
+  const bool drawable =
+      width >= 1 && height >= 1 && width <= LargestPictureSide && height <= LargestPictureSide;
   if (drawable && (picture_.width() != width || picture_.height() != height)) {
     picture_ = QImage(static_cast<int>(width), static_cast<int>(height), QImage::Format_RGB32);
   }
   if (!drawable || picture_.isNull()) {
     // The composition refuses the size itself and says why.
-    return t_WindowImageInto(window_, nullptr, 0, PixelOrder::NativeArgb32);
+    shown_.forget();
+    return view.composePicture(nullptr, 0, PixelOrder::NativeArgb32);
   }
-  composed_ =
-      t_WindowImageInto(window_, picture_.bits(), static_cast<std::size_t>(picture_.sizeInBytes()),
+  return shown_.compose(view, picture_.bits(), static_cast<std::size_t>(picture_.sizeInBytes()),
                         PixelOrder::NativeArgb32);
-  composedVersion_ = version;
-  composedWidth_ = width;
-  composedHeight_ = height;
-  composedAt_ = std::chrono::steady_clock::now().time_since_epoch().count();
-  return composed_;
 }
 
 void GraphicView::paintEvent(QPaintEvent*) {
-  if (!MemoryInitialized) return;
-  t_Window& record = Windows[window_];
-  record.VerticalBlank = false;
+  if (!WindowView(window_).ready()) return;
   if (pictureIsCurrent() || composePicture()) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.drawImage(QRectF(rect()), picture_);
   }
-  record.VerticalBlank = true;
 }
 
 void GraphicView::keyPressEvent(QKeyEvent* event) {
@@ -126,9 +105,9 @@ GraphicWindow::GraphicWindow(UInt8 window) : window_(window), view_(window, *thi
 }
 
 PictureGeometry GraphicWindow::recordGeometry() const {
-  if (!MemoryInitialized || !Windows[window_].Initialized) return {};
-  const t_Window& record = Windows[window_];
-  return {record.Width, record.Height, record.BorderWidth, record.BorderHeight};
+  const WindowView view(window_);
+  if (!view.ready()) return {};
+  return {view.width(), view.height(), view.borderWidth(), view.borderHeight()};
 }
 
 void GraphicWindow::setMenuBar(QMenuBar* menuBar) {

@@ -13,6 +13,7 @@
 #include <cstdint>
 
 #include "rvtools/types.hpp"
+#include "rvtools/window_view.hpp"
 #include "shell/picture_layout.hpp"
 
 class QAction;
@@ -28,9 +29,8 @@ class GraphicView final : public QWidget {
   GraphicView(UInt8 window, GraphicWindow& owner);
 
   UInt8 windowNumber() const { return window_; }
-  // Whether the kept picture still shows what the window holds: composed at the window's
-  // current picture version and size less than a second ago (what a program writes straight
-  // into the video memory shows within that second). Any thread may ask.
+  // Whether the kept picture still shows what the window holds (ShownPicture). Any thread may
+  // ask.
   bool pictureIsCurrent() const;
 
  protected:
@@ -49,10 +49,7 @@ class GraphicView final : public QWidget {
   GraphicWindow& owner_;
   QImage picture_;  // kept across frames; reallocated only when the window's size changes
   // What the kept picture shows; the refresh thread reads it to leave an unchanged view alone.
-  std::atomic<bool> composed_{false};
-  std::atomic<std::uint64_t> composedVersion_{0};
-  std::atomic<Int> composedWidth_{0}, composedHeight_{0};
-  std::atomic<std::chrono::steady_clock::rep> composedAt_{0};
+  ShownPicture shown_;
 };
 
 class GraphicWindow final : public QWidget {

@@ -11,12 +11,8 @@
 #include <QImage>
 #include <QMenu>
 #include <QScreen>
-#include <QThread>
 #include <algorithm>
-#include <atomic>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 
 #include "rvtools/host.hpp"
 #include "shell/dialogs.hpp"
@@ -62,74 +58,42 @@ QImage imageOf(const t_Image& picture) {
   return image;
 }
 
-// One piece of work that another thread hands to the GUI thread and waits for. Qt passes the
-// event on with locks of its own; the handover of the work and of its result is ordered by the
-// event's atomic pointer and by the call's mutex, which every thread checker can follow.
-struct InterfaceCall {
-  explicit InterfaceCall(const std::function<void()>& toDo) : work(&toDo) {}
-  const std::function<void()>* work;
-  std::mutex mutex;
-  std::condition_variable done;
-  bool finished = false;
-};
-
-class InterfaceCallEvent final : public QEvent {
+// Wakes the GUI thread for work handed over to it: an event posted to this receiver, which
+// lives on the GUI thread, runs the work there. The work itself passes through InterfaceWork's
+// own lock, which every thread checker can follow (Qt hands the event over under locks of its
+// own, which it cannot).
+class HandedOverWorkReceiver final : public QObject {
  public:
-  static inline const auto Type = static_cast<QEvent::Type>(QEvent::registerEventType());
-  explicit InterfaceCallEvent(InterfaceCall* call) : QEvent(Type) {
-    call_.store(call, std::memory_order_release);
-  }
-  InterfaceCall* call() const { return call_.load(std::memory_order_acquire); }
+  explicit HandedOverWorkReceiver(InterfaceWork& work) : work_(work) {}
+
+ protected:
+  void customEvent(QEvent*) override { work_.runHandedOver(); }
 
  private:
-  std::atomic<InterfaceCall*> call_{nullptr};
+  InterfaceWork& work_;
 };
-
-// Receives the calls on the GUI thread; created there on first use and never destroyed. Only
-// this file posts to it, so every custom event it gets is an InterfaceCallEvent; the event's
-// fields are read only after the acquiring load of its call, which a thread checker can follow
-// (Qt hands the event over under locks of its own).
-class InterfaceCallReceiver final : public QObject {
- protected:
-  void customEvent(QEvent* event) override {
-    InterfaceCall* call = static_cast<InterfaceCallEvent*>(event)->call();
-    (*call->work)();
-    std::lock_guard lock(call->mutex);
-    call->finished = true;
-    call->done.notify_one();
-  }
-};
-
-QObject& interfaceCalls() {
-  static auto* receiver = new InterfaceCallReceiver;
-  return *receiver;
-}
 
 }  // namespace
 
+// The receiver belongs to the thread that creates it: this one, the GUI thread.
 QtHost::QtHost(AppDelegate& delegate)
     : delegate_(delegate),
       bundlePath_(bundleAroundExecutable()),
-      sounds_(std::make_unique<SoundPlayer>(bundlePath_ + "/Contents/Resources")) {
-  interfaceCalls();  // the receiver belongs to the thread that creates it: this, the GUI thread
-}
+      sounds_(std::make_unique<SoundPlayer>(bundlePath_ + "/Contents/Resources")),
+      work_([this] { QCoreApplication::postEvent(receiver_.get(), new QEvent(QEvent::User)); }),
+      receiver_(std::make_unique<HandedOverWorkReceiver>(work_)) {}
+
+QtHost::~QtHost() = default;
 
 bool QtHost::isInterfaceThread() const {
-  const QCoreApplication* application = QCoreApplication::instance();
-  return application != nullptr && QThread::currentThread() == application->thread();
+  return work_.isInterfaceThread();
 }
 
+// Once the application object is gone nothing runs on the GUI thread any more: the work is
+// dropped rather than waited for.
 void QtHost::runOnInterfaceThread(const std::function<void()>& work) {
-  if (isInterfaceThread()) {
-    work();
-    return;
-  }
-  if (QCoreApplication::instance() == nullptr) return;
-  InterfaceCall call(work);
-  auto event = std::make_unique<InterfaceCallEvent>(&call);
-  QCoreApplication::postEvent(&interfaceCalls(), event.release());
-  std::unique_lock lock(call.mutex);
-  call.done.wait(lock, [&] { return call.finished; });
+  if (!isInterfaceThread() && QCoreApplication::instance() == nullptr) return;
+  work_.run(work);
 }
 
 void QtHost::onWindow(UInt8 window, const std::function<void(QWidget&)>& work) {

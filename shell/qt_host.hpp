@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Internal: the host on Qt. Platform work runs on the GUI thread: directly when the caller is
-// there, else by a blocking queued call. Windows, views, menus and text views are those of the
-// application delegate; sounds come from the bundle's resources.
+// there, else handed over to it and waited for. Windows, views, menus and text views are those of
+// the application delegate; sounds come from the bundle's resources.
 #pragma once
 
 #include <QPlainTextEdit>
@@ -17,6 +17,7 @@ class QtHost final : public Host {
  public:
   // Create it on the GUI thread, after the application object.
   explicit QtHost(AppDelegate& delegate);
+  ~QtHost() override;
 
   bool isInterfaceThread() const override;
   void runOnInterfaceThread(const std::function<void()>& work) override;
@@ -58,6 +59,8 @@ class QtHost final : public Host {
   AppDelegate& delegate_;
   std::string bundlePath_;
   std::unique_ptr<SoundPlayer> sounds_;
+  InterfaceWork work_;
+  std::unique_ptr<QObject> receiver_;
 };
 
 }  // namespace rvtools::shell

@@ -28,7 +28,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds PictureLifetime{1};
 // While the program runs, the loop looks this often whether it has ended.
 constexpr int ProgramWatchMilliseconds = 250;
 constexpr std::size_t ReadSize = 4096;
@@ -70,28 +69,20 @@ std::string base64Of(std::string_view bytes) {
   return out;
 }
 
-// A file name in the current folder after the window's title: "<title>.png", or with a number
-// when that exists already. Characters that a file name cannot hold become "_".
-std::string pictureFileName(std::string title) {
-  std::replace_if(
-      title.begin(), title.end(),
-      [](char c) { return c == '/' || (static_cast<unsigned char>(c) < 32); }, '_');
-  if (title.empty() || title == "." || title == "..") title = "Window";
-  std::string name = title + ".png";
+// A file name in the current folder after the window's title, numbered when that name is taken.
+std::string freePictureFileName(const WindowView& view) {
+  const std::string title = view.title();
+  std::string name = fileNameFromTitle(title, view.number(), ".png");
   for (int number = 2; std::filesystem::exists(name) && number < 1000; ++number) {
-    name = title + " " + std::to_string(number) + ".png";
+    name = fileNameFromTitle(title + " " + std::to_string(number), view.number(), ".png");
   }
   return name;
-}
-
-Clock::rep ticksNow() {
-  return Clock::now().time_since_epoch().count();
 }
 
 }  // namespace
 
 TerminalHost::TerminalHost(TerminalDevice& device, ColourDepth depth)
-    : device_(device), renderer_(depth) {
+    : device_(device), work_([this] { wake(); }), renderer_(depth) {
   if (pipe2(wakePipe_, O_CLOEXEC | O_NONBLOCK) != 0) wakePipe_[0] = wakePipe_[1] = -1;
 }
 
@@ -99,19 +90,11 @@ TerminalHost::TerminalHost(TerminalDevice& device, ColourDepth depth)
 // The Host interface
 
 bool TerminalHost::isInterfaceThread() const {
-  return std::this_thread::get_id() == interfaceThread_;
+  return work_.isInterfaceThread();
 }
 
 void TerminalHost::runOnInterfaceThread(const std::function<void()>& work) {
-  if (isInterfaceThread()) {
-    work();
-    return;
-  }
-  HandedOverWork item{&work};
-  std::unique_lock lock(workMutex_);
-  work_.push_back(&item);
-  wake();
-  workDone_.wait(lock, [&item] { return item.Done; });
+  work_.run(work);
 }
 
 // Called by the refresh for every window at its rate: a frame is asked for only when the window
@@ -122,14 +105,20 @@ void TerminalHost::displayView(UInt8 window, bool deferred) {
     runOnInterfaceThread([this] { drawFrame(); });
     return;
   }
-  const bool recent = ticksNow() - composedAt_ <
-                      std::chrono::duration_cast<Clock::duration>(PictureLifetime).count();
-  if (pictureVersion(window) == shownVersion_ && recent) return;
+  if (shown_.isCurrent(WindowView(window))) return;
   requestFrame();
 }
 
+void TerminalHost::setWindowTitle(UInt8 window, const std::string& title) {
+  frames_.setTitle(window, title);
+}
+
+void TerminalHost::setWindowContentSize(UInt8 window, Int width, Int height) {
+  frames_.setContentSize(window, width, height);
+}
+
 void TerminalHost::bringWindowToFront(UInt8 window) {
-  HeadlessHost::bringWindowToFront(window);
+  frames_.bringToFront(window);
   {
     std::lock_guard lock(orderMutex_);
     std::erase(frontToBack_, window);
@@ -139,7 +128,7 @@ void TerminalHost::bringWindowToFront(UInt8 window) {
 }
 
 void TerminalHost::setWindowVisible(UInt8 window, bool visible) {
-  HeadlessHost::setWindowVisible(window, visible);
+  frames_.setVisible(window, visible);
   {
     std::lock_guard lock(orderMutex_);
     const bool shown =
@@ -150,9 +139,25 @@ void TerminalHost::setWindowVisible(UInt8 window, bool visible) {
   requestFrame();
 }
 
+WindowFrame TerminalHost::windowFrame(UInt8 window) {
+  return frames_.frame(window);
+}
+
 UInt8 TerminalHost::frontWindow() {
   std::lock_guard lock(orderMutex_);
   return frontToBack_.empty() ? NoWindow : frontToBack_.back();
+}
+
+void TerminalHost::setWindowPosition(UInt8 window, Int x, Int y) {
+  frames_.setPosition(window, x, y);
+}
+
+void TerminalHost::centerWindow(UInt8 window) {
+  frames_.center(window);
+}
+
+ScreenSize TerminalHost::screenSize() {
+  return frames_.screen();
 }
 
 // The click is silent; the beep is the terminal's bell.
@@ -168,12 +173,36 @@ void TerminalHost::systemBeep() {
 // The text is kept here, for the program's paste, and sent to the terminal's clipboard, for
 // other programs (OSC 52; a terminal that does not take it ignores it).
 void TerminalHost::setPasteboardText(const std::string& text) {
-  HeadlessHost::setPasteboardText(text);
+  Host::setPasteboardText(text);
   if (text.size() <= LargestClipboardText) device_.write("\x1B]52;c;" + base64Of(text) + "\a");
 }
 
 void TerminalHost::setPasteboardScreenText(UInt8 window, const std::string&) {
   setPasteboardText(unicodeScreenText(window));
+}
+
+std::optional<std::vector<std::string>> TerminalHost::menuItemTitles(const std::string& menuTitle) {
+  return menus_.itemTitles(menuTitle);
+}
+
+void TerminalHost::deleteMenuItem(const std::string& menuTitle, Int position) {
+  menus_.deleteItem(menuTitle, position);
+}
+
+std::optional<std::string> TerminalHost::textViewText(UInt8 window) {
+  return textViews_.text(window);
+}
+
+bool TerminalHost::appendToTextView(UInt8 window, const std::string& text) {
+  return textViews_.append(window, text);
+}
+
+bool TerminalHost::clearTextView(UInt8 window) {
+  return textViews_.clear(window);
+}
+
+void TerminalHost::preparePasteboardView() {
+  textViews_.clear(PasteboardWindowNumber);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -185,7 +214,7 @@ void TerminalHost::run(std::function<void()> entry) {
     std::vector<TerminalInput> inputs;
     waitAndReadInput(inputs);
     for (const TerminalInput& input : inputs) handle(input);
-    runHandedOverWork();
+    work_.runHandedOver();
     noticeProgramEnd();
     if (frameWanted_.exchange(false)) drawFrame();
   }
@@ -294,39 +323,25 @@ void TerminalHost::handleMouse(const MouseReport& report) {
   const bool onWindow = placement.Window < 8 && column >= 0 && line >= 0 &&
                         column < placement.Columns && line < placement.Lines;
   if (!onWindow) return;
-  const t_Window& record = Windows[placement.Window];
-  const double x = static_cast<double>(record.BorderWidth + column * placement.CellWidth);
-  const double y =
-      static_cast<double>(record.BorderHeight + record.Height - line * placement.CellHeight);
+  const WindowPoint point = WindowView(placement.Window)
+                                .windowPointOf(static_cast<double>(column * placement.CellWidth),
+                                               static_cast<double>(line * placement.CellHeight));
   const bool right = report.Button == 2;
-  viewMouseDown(placement.Window, {right ? 2 : 1, report.Flags}, x, y, right);
+  viewMouseDown(placement.Window, {right ? 2 : 1, report.Flags}, point.X, point.Y, right);
 }
 
 // As the desktop's Edit > Paste: the text goes onto the pasteboard, then the runtime's Paste
 // action gives it to the program's paste handler. It came from the terminal's clipboard, so
 // it is not sent back there.
 void TerminalHost::handlePaste(const PastedText& paste) {
-  HeadlessHost::setPasteboardText(paste.Text);
+  Host::setPasteboardText(paste.Text);
   t_MenuEventHandler(editItem("Paste", MenuTag::Paste, 'v'));
-}
-
-void TerminalHost::runHandedOverWork() {
-  std::unique_lock lock(workMutex_);
-  while (!work_.empty()) {
-    HandedOverWork* item = work_.front();
-    work_.pop_front();
-    lock.unlock();
-    (*item->Work)();
-    lock.lock();
-    item->Done = true;
-    workDone_.notify_all();
-  }
 }
 
 // Once the program has ended, the terminal keeps its last picture until a key is pressed;
 // without any window to look at it is given back at once.
 void TerminalHost::noticeProgramEnd() {
-  if (programEnded_ || ProgramStartPending || runningProgramThreads() > 0) return;
+  if (programEnded_ || programRunning()) return;
   programEnded_ = true;
   if (shownWindow() >= 8) leave(0);
   frameWanted_ = true;
@@ -355,7 +370,7 @@ void TerminalHost::savePicture() {
     message_ = "There is no picture to save.";
     return;
   }
-  const std::string name = pictureFileName(windowState(window).Title);
+  const std::string name = freePictureFileName(WindowView(window));
   message_ = t_SavePicture(window, name) ? "Saved the picture as " + name + "."
                                          : "Could not save the picture as " + name + ".";
 }
@@ -385,16 +400,15 @@ void TerminalHost::drawFrame() {
   const TerminalSize size = device_.size();
   CellGrid grid(size.Columns, size.Lines);
   const UInt8 window = shownWindow();
-  const std::uint64_t version = pictureVersion(window);
-  const bool pixels = window < 8 && Windows[window].TextMemoryStart < 0;
+  const WindowView view(window);
+  const std::uint64_t version = view.pictureVersion();
   WindowPlacement placement =
-      drawWindow(window, grid, pixels ? size.Lines - 1 : size.Lines, picture_);
-  shownVersion_ = version;
-  composedAt_ = ticksNow();
+      drawWindow(view, grid, view.hasText() ? size.Lines : size.Lines - 1, picture_);
+  shown_.noteShown(view, version);
   const bool spareLine = placement.Window < 8 && placement.Lines < size.Lines;
   std::string text = hostLineText(placement, size);
   if (text.empty() && spareLine) {
-    const std::string title = windowState(window).Title;
+    const std::string title = view.title();
     const int gap = size.Columns - static_cast<int>(charactersOf(title).size() + HintText.size());
     text = gap >= 2
                ? title + std::string(static_cast<std::size_t>(gap), ' ') + std::string(HintText)

@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: MIT
 // Internal to the terminal host: the host itself. It keeps in memory what a terminal has no
-// place for (menus, the auxiliary windows' texts, window frames), as the headless host does,
-// and shows the graphic window in front on the terminal. Its interface thread is the one that
+// place for (menus, the auxiliary windows' texts, window frames) and shows the graphic window
+// in front on the terminal. Its interface thread is the one that
 // runs `run`: it reads the terminal, hands keys, clicks and pastes to the runtime, runs work
 // that other threads hand over, and draws a frame whenever the picture in front changed.
 #pragma once
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <deque>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "rvtools/headless.hpp"
+#include "rvtools/host.hpp"
 #include "terminal/cell_renderer.hpp"
 #include "terminal/input_parser.hpp"
 #include "terminal/terminal_device.hpp"
@@ -24,7 +22,7 @@
 
 namespace rvtools::terminal {
 
-class TerminalHost final : public HeadlessHost {
+class TerminalHost final : public Host {
  public:
   TerminalHost(TerminalDevice& device, ColourDepth depth);
 
@@ -32,23 +30,33 @@ class TerminalHost final : public HeadlessHost {
   // terminal until the user leaves; ends the process.
   [[noreturn]] void run(std::function<void()> entry);
 
+  // The required core.
   bool isInterfaceThread() const override;
   void runOnInterfaceThread(const std::function<void()>& work) override;
   void displayView(UInt8 window, bool deferred) override;
-  void bringWindowToFront(UInt8 window) override;
+  void setWindowTitle(UInt8 window, const std::string& title) override;
+  void setWindowContentSize(UInt8 window, Int width, Int height) override;
   void setWindowVisible(UInt8 window, bool visible) override;
+  void bringWindowToFront(UInt8 window) override;
+  WindowFrame windowFrame(UInt8 window) override;
   UInt8 frontWindow() override;
+
+  // The optional parts a terminal has, or keeps in memory.
+  void setWindowPosition(UInt8 window, Int x, Int y) override;
+  void centerWindow(UInt8 window) override;
+  ScreenSize screenSize() override;
   bool playSound(Sound sound) override;
   void systemBeep() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardScreenText(UInt8 window, const std::string& screen) override;
+  std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
+  void deleteMenuItem(const std::string& menuTitle, Int position) override;
+  std::optional<std::string> textViewText(UInt8 window) override;
+  bool appendToTextView(UInt8 window, const std::string& text) override;
+  bool clearTextView(UInt8 window) override;
+  void preparePasteboardView() override;
 
  private:
-  struct HandedOverWork {
-    const std::function<void()>* Work = nullptr;
-    bool Done = false;
-  };
-
   // The interface thread's loop and what it does with each input.
   void waitAndReadInput(std::vector<TerminalInput>& inputs);
   int pollTimeoutMilliseconds() const;
@@ -57,7 +65,6 @@ class TerminalHost final : public HeadlessHost {
   void handleMenuKey(const KeyStroke& key);
   void handleMouse(const MouseReport& report);
   void handlePaste(const PastedText& paste);
-  void runHandedOverWork();
   void noticeProgramEnd();
   [[noreturn]] void leave(int status);
 
@@ -73,20 +80,19 @@ class TerminalHost final : public HeadlessHost {
   void wake();
 
   TerminalDevice& device_;
-  const std::thread::id interfaceThread_ = std::this_thread::get_id();
   int wakePipe_[2] = {-1, -1};
-
-  std::mutex workMutex_;
-  std::condition_variable workDone_;
-  std::deque<HandedOverWork*> work_;
+  InterfaceWork work_;
+  WindowFrames frames_;
+  MenuSet menus_;
+  TextViews textViews_;
 
   std::mutex orderMutex_;
   std::vector<UInt8> frontToBack_;  // shown windows, the front one last
 
-  // What the last frame showed, read by the refresh thread to skip unchanged pictures.
+  // Whether a frame is to be drawn, and what the last one showed, read by the refresh thread
+  // to skip unchanged pictures.
   std::atomic<bool> frameWanted_{true};
-  std::atomic<std::uint64_t> shownVersion_{0};
-  std::atomic<std::chrono::steady_clock::rep> composedAt_{0};
+  ShownPicture shown_;
 
   // Owned by the interface thread.
   CellRenderer renderer_;

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A graphic window as terminal cells, read from the window's text memory or composed from its
-// picture. Text memory is read as the image composition reads video memory: while the program
-// may write it, so a frame may show a cell half changed, which the next frame mends. Every
-// address is checked against the video memory first, since the program may re-initialise the
-// window meanwhile. Depends on the public runtime, display and font-code headers.
+// A graphic window as terminal cells, read from the window's text cells or composed from its
+// picture, both through the window view. Depends on the public window view, display and
+// font-code headers.
 #include "terminal/window_cells.hpp"
 
 #include <algorithm>
@@ -11,11 +9,11 @@
 #include "rvtools/display.hpp"
 #include "rvtools/font_codes.hpp"
 #include "rvtools/runtime.hpp"
+#include "rvtools/window_view.hpp"
 
 namespace rvtools::terminal {
 namespace {
 
-constexpr Int LargestSide = 8192;
 constexpr char32_t UpperHalfBlock = U'▀';
 
 Int ceilingOfQuotient(Int dividend, Int divisor) {
@@ -39,38 +37,37 @@ CellColour meanColour(const UInt8* pixels, Int width, Int left, Int right, Int t
                    static_cast<UInt8>(blue / count));
 }
 
-WindowPlacement drawTextWindow(UInt8 window, const t_Window& record, CellGrid& grid, int lines) {
-  const Int start = record.TextMemoryStart, end = record.TextMemoryEnd;
-  const Int textWidth = record.TextWidth, textHeight = record.TextHeight;
-  const Int half = (end - start + 1) / 2;
-  const bool inMemory = start >= 0 && end < static_cast<Int>(VideoMemory.size());
-  if (!inMemory || textWidth < 1 || textHeight < 1 || textHeight > half / textWidth) return {};
+WindowPlacement drawTextWindow(const WindowView& view, CellGrid& grid, int lines) {
+  const ScreenCells cells = view.textCells();
+  if (cells.Columns < 1 || cells.Lines < 1) return {};
   WindowPlacement placement;
-  placement.Window = window;
-  placement.FullColumns = static_cast<int>(textWidth);
-  placement.FullLines = static_cast<int>(textHeight);
+  placement.Window = view.number();
+  placement.FullColumns = static_cast<int>(cells.Columns);
+  placement.FullLines = static_cast<int>(cells.Lines);
   placement.Columns = std::min(placement.FullColumns, grid.columns());
   placement.Lines = std::min(placement.FullLines, lines);
-  placement.CellWidth = std::max<Int>(record.Width / textWidth, 1);
-  placement.CellHeight = std::max<Int>(record.Height / textHeight, 1);
-  const UInt8* codes = VideoMemory.data() + start;
-  drawTextCells(codes, codes + half, textWidth, placement.Columns, placement.Lines, grid);
+  placement.CellWidth = view.cellWidth();
+  placement.CellHeight = view.cellHeight();
+  drawTextCells(cells.Codes.data(), cells.Colours.data(), cells.Columns, placement.Columns,
+                placement.Lines, grid);
   return placement;
 }
 
-WindowPlacement drawPixelWindow(UInt8 window, const t_Window& record, CellGrid& grid, int lines,
+WindowPlacement drawPixelWindow(const WindowView& view, CellGrid& grid, int lines,
                                 std::vector<UInt8>& picture) {
-  const Int width = record.Width, height = record.Height;
-  if (width < 1 || height < 1 || width > LargestSide || height > LargestSide) return {};
+  const Int width = view.width(), height = view.height();
+  if (width < 1 || height < 1 || width > LargestPictureSide || height > LargestPictureSide) {
+    return {};
+  }
   picture.resize(static_cast<std::size_t>(width * height * 4));
-  if (!t_WindowImageInto(window, picture.data(), picture.size(), PixelOrder::AlphaRedGreenBlue)) {
+  if (!view.composePicture(picture.data(), picture.size(), PixelOrder::AlphaRedGreenBlue)) {
     return {};
   }
   const int scale = pixelScale(width, height, grid.columns(), lines);
   const auto [columns, shownLines] =
       drawHalfBlockPixels(picture.data(), width, height, scale, grid, lines);
   WindowPlacement placement;
-  placement.Window = window;
+  placement.Window = view.number();
   placement.Columns = placement.FullColumns = columns;
   placement.Lines = placement.FullLines = shownLines;
   placement.CellWidth = scale;
@@ -124,16 +121,12 @@ std::pair<int, int> drawHalfBlockPixels(const UInt8* pixels, Int width, Int heig
   return {columns, shownLines};
 }
 
-WindowPlacement drawWindow(UInt8 window, CellGrid& grid, int lines, std::vector<UInt8>& picture) {
-  if (window >= 8 || !MemoryInitialized || !Windows[window].Initialized) return {};
-  t_Window& record = Windows[window];
+WindowPlacement drawWindow(const WindowView& view, CellGrid& grid, int lines,
+                           std::vector<UInt8>& picture) {
+  if (!view.ready()) return {};
   lines = std::min(lines, grid.lines());
-  record.VerticalBlank = false;
-  const WindowPlacement placement = record.TextMemoryStart >= 0
-                                        ? drawTextWindow(window, record, grid, lines)
-                                        : drawPixelWindow(window, record, grid, lines, picture);
-  record.VerticalBlank = true;
-  return placement;
+  return view.hasText() ? drawTextWindow(view, grid, lines)
+                        : drawPixelWindow(view, grid, lines, picture);
 }
 
 }  // namespace rvtools::terminal

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "rvtools/types.hpp"
+#include "rvtools/window_view.hpp"
 #include "terminal/cell_renderer.hpp"
 
 namespace rvtools::terminal {
@@ -43,9 +44,10 @@ int pixelScale(Int width, Int height, int columns, int lines);
 std::pair<int, int> drawHalfBlockPixels(const UInt8* pixels, Int width, Int height, int scale,
                                         CellGrid& grid, int lines);
 
-// Graphic window `window` into the first `lines` lines of `grid`, from its text memory or its
+// The window of `view` into the first `lines` lines of `grid`, from its text cells or its
 // picture (composed into `picture`, which is kept between frames). Nothing is drawn, and an
-// empty placement returned, for a window that is not initialised or shows nothing.
-WindowPlacement drawWindow(UInt8 window, CellGrid& grid, int lines, std::vector<UInt8>& picture);
+// empty placement returned, for a window that is not ready or shows nothing.
+WindowPlacement drawWindow(const WindowView& view, CellGrid& grid, int lines,
+                           std::vector<UInt8>& picture);
 
 }  // namespace rvtools::terminal

@@ -181,7 +181,7 @@ void startAfresh(In& in) {
   EventQueue.clear();
   MouseEventQueue.clear();
   MenuEventQueue.clear();
-  fuzzHost().setMenus(HeadlessHost::englishMenus());
+  fuzzHost().setMenus(MenuSet::desktopMenus());
   buildMenuActions();
   for (UInt8 window :
        {PasteboardWindowNumber, VirtualPrinterWindowNumber, SystemConsoleWindowNumber}) {

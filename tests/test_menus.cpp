@@ -33,7 +33,7 @@ bool reaches(const std::atomic<int>& counter, int value) {
 class MenuTest : public RuntimeTest {
  protected:
   void SetUp() override {
-    testHost().setMenus(HeadlessHost::englishMenus());
+    testHost().setMenus(MenuSet::desktopMenus());
     for (UInt8 window = 8; window <= 10; ++window) testHost().setTextViewPresent(window, true);
     RuntimeTest::SetUp();
   }
@@ -45,7 +45,7 @@ class MenuTest : public RuntimeTest {
 };
 
 TEST_F(MenuTest, StartUpScanRemovesPlatformItemsAndReportsTheMissingGermanMenus) {
-  std::vector<HeadlessHost::Menu> menus = HeadlessHost::englishMenus();
+  std::vector<HeadlessHost::Menu> menus = MenuSet::desktopMenus();
   menus[1].Items.insert(menus[1].Items.end(),
                         {{"", 0}, {"Start Dictation…", 0}, {"Emoji & Symbols", 0}});
   menus[2].Items.insert(menus[2].Items.begin() + 3, {"Tile Window to Left of Screen", 0});
@@ -60,7 +60,7 @@ TEST_F(MenuTest, StartUpScanRemovesPlatformItemsAndReportsTheMissingGermanMenus)
                    "t_MenuItemTitle: Menu not found.", "t_MenuItemDelete: Menu not found.", missing,
                    "*** Found Window Menu Item Tile Window to Left of Screen", missing, missing,
                    "t_InitMemory: End."}));
-  EXPECT_EQ(testHost().menus(), HeadlessHost::englishMenus());
+  EXPECT_EQ(testHost().menus(), MenuSet::desktopMenus());
   EXPECT_EQ(testHost().textViewText(PasteboardWindowNumber), "");
 }
 

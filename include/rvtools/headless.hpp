@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "rvtools/host.hpp"
+#include "rvtools/host_support.hpp"
 
 namespace rvtools {
 
@@ -35,19 +36,9 @@ class HeadlessHost : public Host {
     std::vector<UInt8> Image;  // the last composed image, bytes A, R, G, B
   };
 
-  // A menu of the main menu and its items; a separator has an empty title and tag 0.
-  struct MenuItem {
-    std::string Title;
-    Int Tag = 0;
-    friend bool operator==(const MenuItem&, const MenuItem&) = default;
-  };
-  struct Menu {
-    std::string Title;
-    std::vector<MenuItem> Items;
-    friend bool operator==(const Menu&, const Menu&) = default;
-  };
-  // The menus of the desktop host: File, Edit, Window and the program's own.
-  static std::vector<Menu> englishMenus();
+  // The main menu, the desktop's at first (MenuSet).
+  using Menu = MenuSet::Menu;
+  using MenuItem = MenuSet::Item;
   std::vector<Menu> menus() const;
   void setMenus(std::vector<Menu> menus);
 
@@ -66,30 +57,32 @@ class HeadlessHost : public Host {
   int beeps() const;
   int clicks() const;
 
+  // The required core.
   bool isInterfaceThread() const override;
   void runOnInterfaceThread(const std::function<void()>& work) override;
-  PlatformHandle windowHandle(UInt8 window) override;
-  PlatformHandle viewHandle(UInt8 window) override;
   void displayView(UInt8 window, bool deferred) override;
   void setWindowTitle(UInt8 window, const std::string& title) override;
+  void setWindowContentSize(UInt8 window, Int width, Int height) override;
+  void setWindowVisible(UInt8 window, bool visible) override;
+  void bringWindowToFront(UInt8 window) override;
+  WindowFrame windowFrame(UInt8 window) override;
+  UInt8 frontWindow() override;
+
+  // The optional parts, all of them, in memory.
+  PlatformHandle windowHandle(UInt8 window) override;
+  PlatformHandle viewHandle(UInt8 window) override;
   void setWindowTitleVisible(UInt8 window, bool visible) override;
   void setWindowPosition(UInt8 window, Int x, Int y) override;
-  void setWindowContentSize(UInt8 window, Int width, Int height) override;
-  void bringWindowToFront(UInt8 window) override;
   void centerWindow(UInt8 window) override;
-  void setWindowVisible(UInt8 window, bool visible) override;
-  WindowFrame windowFrame(UInt8 window) override;
   ScreenSize screenSize() override;
   void setBorderColor(UInt8 window, t_RGBColor color) override;
   std::string bundlePath() override;
   bool playSound(Sound sound) override;
   void systemBeep() override;
-  std::string pasteboardText() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardImage(const t_Image& image) override;
   std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
   void deleteMenuItem(const std::string& menuTitle, Int position) override;
-  UInt8 frontWindow() override;
   std::string runFilePanel(const FilePanelRequest& request) override;
   std::optional<std::string> textViewText(UInt8 window) override;
   bool appendToTextView(UInt8 window, const std::string& text) override;
@@ -97,18 +90,21 @@ class HeadlessHost : public Host {
   void preparePasteboardView() override;
 
  private:
-  Menu* menuTitled(const std::string& title);
-  std::optional<std::string>* textView(UInt8 window);
+  // What the host keeps of view 0..7.
+  struct View {
+    bool Present = true;
+    int Redraws = 0;
+    std::vector<UInt8> Image;
+  };
 
-  static constexpr int WindowCount = 13;
-  mutable std::recursive_mutex mutex_;
-  std::array<WindowState, WindowCount> windows_;
-  std::string bundlePath_;
-  std::string pasteboard_;
+  InterfaceWork work_;
+  WindowFrames frames_;
+  MenuSet menus_;
+  TextViews textViews_;
+  const std::string bundlePath_;
+  mutable std::mutex mutex_;  // guards what follows
+  std::array<View, 8> views_;
   t_Image pasteboardImage_;
-  std::vector<Menu> menus_ = englishMenus();
-  std::array<std::optional<std::string>, 3> textViews_{"", "", ""};  // windows 8, 9, 10
-  UInt8 front_ = NoWindow;
   std::string filePanelAnswer_;
   FilePanelRequest lastFilePanel_;
   int beeps_ = 0;

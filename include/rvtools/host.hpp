@@ -4,24 +4,30 @@
 // A host is what shows a program's windows on a platform: the desktop host on Qt
 // (rvtools/shell.hpp), the terminal host (rvtools/terminal.hpp) and the headless host
 // (rvtools/headless.hpp) are three. Writing another one takes four steps, all declared here:
-//   1. implement the `Host` interface (rvtools/platform.hpp) and install it with setHost;
+//   1. implement the required core of the `Host` interface (rvtools/platform.hpp), and of its
+//      optional parts what the platform has; install it with setHost;
 //   2. run the launch sequence, runLaunchSequence, on the interface thread;
-//   3. show each graphic window's picture (t_WindowImageInto, pictureVersion) when the runtime
-//      asks a view to display (Host::displayView), and its text cells if the host shows text
-//      (the window's text memory and FontCodeCharacters);
+//   3. show each graphic window through its WindowView (rvtools/window_view.hpp) when the
+//      runtime asks a view to display (Host::displayView): its picture, composed when
+//      ShownPicture says the one shown is no longer current, or its text cells;
 //   4. report the user's keys (viewKeyDown with the key numbers and flags of rvtools/keys.hpp),
-//      clicks (viewMouseDown, viewMouseUp) and menu choices (t_MenuEventHandler with the tags
-//      below), and call runTerminationSequence when the application ends.
+//      clicks (viewMouseDown, viewMouseUp, at WindowView::windowPointOf) and menu choices
+//      (t_MenuEventHandler with the tags of rvtools/menu_tags.hpp), and call
+//      runTerminationSequence when the application ends.
+// What hosts share (the interface thread's queue, waiting for the program, frames, menus and
+// text views kept in memory) is in rvtools/host_support.hpp.
 #pragma once
 
 #include "rvtools/display.hpp"
 #include "rvtools/font_codes.hpp"
+#include "rvtools/host_support.hpp"
 #include "rvtools/input.hpp"
 #include "rvtools/keys.hpp"
 #include "rvtools/menu_tags.hpp"
 #include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/types.hpp"
+#include "rvtools/window_view.hpp"
 
 namespace rvtools {
 

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: MIT
 // rvtools: the platform a program runs on, as the runtime sees it: the `Host` interface.
 //
-// The runtime never talks to a windowing system itself. Every platform need (window frames,
-// views, the border colour, sounds, the pasteboard, the bundle path, the clock and the random
-// source) goes through the host that the application sets once at start-up. The desktop,
-// terminal and headless hosts implement this interface; rvtools/host.hpp gathers everything
-// else a host needs. Every method may be called from any thread; a host carries platform work
-// over to its interface thread and waits for it.
+// The runtime never talks to a windowing system itself. Every platform need goes through the
+// host that the application sets once at start-up. The door is narrow and one-way: a host
+// implements the few methods every platform must provide (the required core below) and
+// overrides of the optional parts only what its platform has; it reads the runtime through
+// WindowView (rvtools/window_view.hpp) and writes to it only through the input functions
+// (rvtools/input.hpp). rvtools/host.hpp gathers everything a host needs. Every method may be
+// called from any thread; a host carries platform work over to its interface thread and waits
+// for it.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -60,39 +63,57 @@ class Host {
  public:
   virtual ~Host() = default;
 
-  // Threads: whether the caller is the interface thread, and synchronous work there.
+  // ---- The required core: what every platform provides ----------------------------------
+
+  // Threads: whether the caller is the interface thread, and synchronous work there (at once
+  // when called there). InterfaceWork (rvtools/host_support.hpp) is a ready-made queue.
   virtual bool isInterfaceThread() const = 0;
   virtual void runOnInterfaceThread(const std::function<void()>& work) = 0;
 
-  // Window lookup: the platform window of numbers 0..12 and the view of 0..7, or null.
-  virtual PlatformHandle windowHandle(UInt8 window) = 0;
-  virtual PlatformHandle viewHandle(UInt8 window) = 0;
-  // Asks view 0..7 to redraw: later when deferred, at once otherwise.
+  // Shows graphic window 0..7's new picture: later when deferred (the refresh asks this of
+  // every window at its rate, so a host skips a picture it already shows), at once otherwise.
   virtual void displayView(UInt8 window, bool deferred) = 0;
 
-  // Window frame operations on numbers that have a window.
+  // The basics of the frames of windows 0..12: title, content size (for a graphic window its
+  // picture with the border on both sides), visibility, order, and the frame as it is.
   virtual void setWindowTitle(UInt8 window, const std::string& title) = 0;
-  virtual void setWindowTitleVisible(UInt8 window, bool visible) = 0;
-  virtual void setWindowPosition(UInt8 window, Int x, Int y) = 0;
   virtual void setWindowContentSize(UInt8 window, Int width, Int height) = 0;
-  virtual void bringWindowToFront(UInt8 window) = 0;
-  virtual void centerWindow(UInt8 window) = 0;
   virtual void setWindowVisible(UInt8 window, bool visible) = 0;
+  virtual void bringWindowToFront(UInt8 window) = 0;
   virtual WindowFrame windowFrame(UInt8 window) = 0;
-  virtual ScreenSize screenSize() = 0;
-  virtual void setBorderColor(UInt8 window, t_RGBColor color) = 0;
+  // The number of the window in front, 0..12, or NoWindow.
+  virtual UInt8 frontWindow() = 0;
 
-  // The folder <Name>.app around the executable; resources lie in Contents/Resources.
-  virtual std::string bundlePath() = 0;
+  // ---- Optional parts: each default is what a platform without that part does -------------
 
-  // Sounds: plays a sound unless it is still playing; false when it could not be loaded.
-  virtual bool playSound(Sound sound) = 0;
-  virtual void systemBeep() = 0;
+  // Window lookup: the platform window of numbers 0..12 and the view of 0..7, or null for a
+  // number that has none. By default every number has a window and 0..7 a view, each with a
+  // handle of its own.
+  virtual PlatformHandle windowHandle(UInt8 window);
+  virtual PlatformHandle viewHandle(UInt8 window);
 
-  // The general pasteboard: its plain text, or a picture (the pasteboard is cleared first).
-  virtual std::string pasteboardText() = 0;
-  virtual void setPasteboardText(const std::string& text) = 0;
-  virtual void setPasteboardImage(const t_Image& image) = 0;
+  // More of a window frame: a title bar that can be hidden, a position on a screen, a border
+  // colour around the picture. By default there is no screen to place windows on.
+  virtual void setWindowTitleVisible(UInt8 window, bool visible);
+  virtual void setWindowPosition(UInt8 window, Int x, Int y);
+  virtual void centerWindow(UInt8 window);
+  virtual ScreenSize screenSize();
+  virtual void setBorderColor(UInt8 window, t_RGBColor color);
+
+  // The folder <Name>.app around the executable; resources lie in Contents/Resources. By
+  // default the bundle around the running executable (bundleAroundExecutable).
+  virtual std::string bundlePath();
+
+  // Sounds: plays a sound unless it is still playing; false when it could not be loaded, and
+  // then the runtime beeps instead. By default there are no sounds and the beep is silent.
+  virtual bool playSound(Sound sound);
+  virtual void systemBeep();
+
+  // The general pasteboard: its plain text, or a picture (the pasteboard is cleared first). By
+  // default a pasteboard in memory, so that a program can still copy and paste within itself.
+  virtual std::string pasteboardText();
+  virtual void setPasteboardText(const std::string& text);
+  virtual void setPasteboardImage(const t_Image& image);
   // Edit > Copy Text of graphic window `window`, whose screen t_GetScreen gave as `screen`
   // (carriage returns between lines, one character per font code 0..255). A host puts the
   // text on the pasteboard in the form its platform's programs read, such as
@@ -100,26 +121,33 @@ class Host {
   virtual void setPasteboardScreenText(UInt8 window, const std::string& screen);
 
   // The main menu: the item titles of the menu of that title (a separator's title is empty),
-  // nothing when there is no such menu; and the removal of the item at a valid position.
-  virtual std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) = 0;
-  virtual void deleteMenuItem(const std::string& menuTitle, Int position) = 0;
-  // The number of the window in front, 0..12, or NoWindow.
-  virtual UInt8 frontWindow() = 0;
-  // Runs an open or save panel; the chosen path, empty when the user cancels.
-  virtual std::string runFilePanel(const FilePanelRequest& request) = 0;
+  // nothing when there is no such menu; and the removal of the item at a valid position. By
+  // default there is no menu. MenuSet (rvtools/host_support.hpp) keeps the desktop's menus in
+  // memory for a platform that has no menu bar of its own.
+  virtual std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle);
+  virtual void deleteMenuItem(const std::string& menuTitle, Int position);
+  // Runs an open or save panel; the chosen path, empty when the user cancels (the default).
+  virtual std::string runFilePanel(const FilePanelRequest& request);
 
   // The text views of windows 8 (pasteboard), 9 (virtual printer) and 10 (system console):
-  // the text, appending to it and emptying it. Nothing or false when the view is missing.
-  virtual std::optional<std::string> textViewText(UInt8 window) = 0;
-  virtual bool appendToTextView(UInt8 window, const std::string& text) = 0;
-  virtual bool clearTextView(UInt8 window) = 0;
+  // the text, appending to it and emptying it. Nothing or false when the view is missing, as
+  // it is by default; the runtime then logs that the window has no view. TextViews
+  // (rvtools/host_support.hpp) keeps them in memory.
+  virtual std::optional<std::string> textViewText(UInt8 window);
+  virtual bool appendToTextView(UInt8 window, const std::string& text);
+  virtual bool clearTextView(UInt8 window);
   // Empties the pasteboard window's text view and gives it a fixed-pitch font and plain input
   // (no substitution of quotes, dashes or text, no link detection).
-  virtual void preparePasteboardView() = 0;
+  virtual void preparePasteboardView();
 
   // The absolute clock in seconds since 1 January 2001, and the cryptographic random source.
+  // By default the system's real-time clock and arc4random.
   virtual double absoluteTime();
   virtual std::uint32_t randomWord();
+
+ private:
+  std::mutex pasteboardMutex_;
+  std::string pasteboard_;
 };
 
 // Installs the host; the application does this once before the program starts.
@@ -161,7 +189,8 @@ void setLogMirror(std::function<void(std::string_view)> mirror);
 // A number that changes whenever an operation of the runtime writes graphic window `window`'s
 // picture, its memory or its visibility. A view whose picture was composed at one version need
 // not compose again while the version stays, except for what a program writes straight into
-// VideoMemory, which no operation sees. 0 for numbers above 7.
+// VideoMemory, which no operation sees (ShownPicture, rvtools/host_support.hpp, composes again
+// after a second for that). 0 for numbers above 7.
 std::uint64_t pictureVersion(UInt8 window);
 
 }  // namespace rvtools
