@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Test helpers: a fresh runtime per test, screens rendered as strings, folders, PNG files and a
-// full disk.
+// Test helpers: a fresh runtime per test, screens rendered as strings, folders, PNG files, a full
+// disk and shell commands with their standard error.
 #include "common.hpp"
 
 #include <png.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <fstream>
 #include <mutex>
 #include <sstream>
 
@@ -164,6 +167,20 @@ void withFileSizeLimit(std::size_t bytes, const std::function<void()>& work) {
   work();
   setrlimit(RLIMIT_FSIZE, &limit);
   std::signal(SIGXFSZ, previous);
+}
+
+CommandRun runCommand(const std::string& command) {
+  std::string path =
+      (std::filesystem::path(::testing::TempDir()) / "rvtools-errors-XXXXXX").string();
+  const int file = mkstemp(path.data());
+  if (file < 0) return {-1, "cannot create a file for the standard error of: " + command};
+  close(file);
+  CommandRun run{std::system(("( " + command + " ) 2> '" + path + "'").c_str()), {}};
+  std::ostringstream errors;
+  errors << std::ifstream(path, std::ios::binary).rdbuf();
+  run.Errors = errors.str();
+  std::filesystem::remove(path);
+  return run;
 }
 
 }  // namespace rvtools::testing

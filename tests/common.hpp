@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Test helpers: a fresh runtime with the log captured, screens as strings so that a test compares
-// a whole screen at once, a folder of each test's own, PNG files read back and a full disk.
+// a whole screen at once, a folder of each test's own, PNG files read back, a full disk and shell
+// commands with their standard error.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -66,5 +67,14 @@ class TestFolder {
 std::vector<UInt8> readPng(const std::string& path, Int* width = nullptr, Int* height = nullptr);
 // Runs `work` with files limited to `bytes`, as a disk that fills up would.
 void withFileSizeLimit(std::size_t bytes, const std::function<void()>& work);
+
+// A shell command that ran: its status as std::system gives it, and what it wrote to standard
+// error, for the failure message when the status is not the one expected.
+struct CommandRun {
+  int Status;
+  std::string Errors;
+};
+// Runs `command` with /bin/sh, its standard error kept apart in a file of its own.
+CommandRun runCommand(const std::string& command);
 
 }  // namespace rvtools::testing

@@ -36,11 +36,10 @@ TEST(HeadlessKeysTest, NamedKeysEscapesAndCharactersBecomeKeyStrokes) {
 
 class HeadlessRunTest : public ::testing::Test {
  protected:
-  // Runs the probe with `arguments`; its exit status.
-  int runProbe(const std::string& arguments) const {
-    const std::string command =
-        std::string(RVTOOLS_HEADLESS_PROBE) + " " + arguments + " > " + path("log.txt") + " 2>&1";
-    return std::system(command.c_str());
+  // Runs the probe with `arguments`, its log (standard output) kept in log.txt.
+  CommandRun runProbe(const std::string& arguments) const {
+    return runCommand(std::string(RVTOOLS_HEADLESS_PROBE) + " " + arguments + " > " +
+                      path("log.txt"));
   }
   std::string file(const std::string& name) const {
     std::ostringstream text;
@@ -54,11 +53,12 @@ class HeadlessRunTest : public ::testing::Test {
 
 // Cell (0, 0) is the click's pixel; the window's border (4) is not part of the drawing area.
 TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) {
-  ASSERT_EQ(runProbe("--keys '{Backspace}cd{Left}X\\r' --keys '{F1}' --click 17,40 "
-                     "--menu 'Program Action' --screen " +
-                     path("screen.txt") + " --picture " + path("picture.png") + " --record " +
-                     path("film.gif")),
-            0);
+  const CommandRun run = runProbe(
+      "--keys '{Backspace}cd{Left}X\\r' --keys '{F1}' --click 17,40 "
+      "--menu 'Program Action' --screen " +
+      path("screen.txt") + " --picture " + path("picture.png") + " --record " + path("film.gif"));
+  ASSERT_EQ(run.Status, 0) << run.Errors;
+  EXPECT_EQ(run.Errors, "");
   const std::string screen = file("screen.txt");
   EXPECT_EQ(screen.substr(0, screen.find("\n\n") + 1),
             ">acXd\nacXd 129\n17,40 Prog\n(Programm Ende)\n");
@@ -72,10 +72,14 @@ TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) 
 }
 
 TEST_F(HeadlessRunTest, ACommandLineItCannotFollowStopsBeforeTheProgram) {
-  EXPECT_NE(runProbe("--keys '{Nothing}'"), 0);
-  EXPECT_EQ(file("log.txt"), "runHeadless: no key named {Nothing}\n");
-  EXPECT_NE(runProbe("--click 3"), 0);
-  EXPECT_EQ(file("log.txt"), "runHeadless: --click takes x,y\n");
+  for (const auto& [arguments, error] :
+       {std::pair{"--keys '{Nothing}'", "runHeadless: no key named {Nothing}\n"},
+        std::pair{"--click 3", "runHeadless: --click takes x,y\n"}}) {
+    const CommandRun run = runProbe(arguments);
+    EXPECT_NE(run.Status, 0) << arguments;
+    EXPECT_EQ(run.Errors, error);
+    EXPECT_EQ(file("log.txt"), "") << arguments;
+  }
 }
 
 }  // namespace

@@ -254,7 +254,8 @@ TEST(KessvindRecordingTest, TheDemoRunWithoutADisplayLeavesAnAnimationOfTheTubFi
       " --headless --keys '{Backspace}{Backspace}{Backspace}{Backspace}0\\r'"
       " --record " +
       animation + " --picture " + picture + " > /dev/null";
-  ASSERT_EQ(std::system(command.c_str()), 0);
+  const CommandRun run = runCommand(command);
+  ASSERT_EQ(run.Status, 0) << run.Errors;
 
   const Animation recorded = decodedAnimation(animation);
   ASSERT_GT(recorded.Pictures.size(), 1u);

@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -17,6 +18,7 @@
 #include <csignal>
 #include <functional>
 #include <memory>
+#include <string>
 #include <thread>
 
 namespace rvtools::e2e {
@@ -46,18 +48,39 @@ void stop(QProcess& process) {
   process.waitForFinished(5000);
 }
 
+// A file that takes a long-running child's standard error, so that a failing test can show it;
+// a pipe that nobody reads while the test waits could fill up and stop the child.
+class ErrorFile {
+ public:
+  explicit ErrorFile(QProcess& process) {
+    if (file_.open()) process.setStandardErrorFile(file_.fileName());
+  }
+  std::string text() const {
+    QFile file(file_.fileName());
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+  }
+
+ private:
+  QTemporaryFile file_;
+};
+
 // A desktop program running on the test's X server, its standard output collected; killed when
-// the test ends.
+// the test ends, and its standard error shown when the test has failed.
 class DesktopProgram {
  public:
-  DesktopProgram(const QString& path, const QString& display) {
+  DesktopProgram(const QString& path, const QString& display) : path_(path.toStdString()) {
     dieWithParent(process_);
     process_.setProcessEnvironment(displayEnvironment(display));
-    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(path, {});
-    EXPECT_TRUE(process_.waitForStarted(10000)) << path.toStdString();
+    EXPECT_TRUE(process_.waitForStarted(10000)) << path_ << errors_.text();
   }
-  ~DesktopProgram() { stop(process_); }
+  ~DesktopProgram() {
+    stop(process_);
+    const std::string errors = errors_.text();
+    if (::testing::Test::HasFailure() && !errors.empty()) {
+      ADD_FAILURE() << path_ << " wrote to standard error:\n" << errors;
+    }
+  }
 
   // Waits until the log holds `line` as a whole line.
   bool waitForLogLine(const QString& line, Milliseconds timeout) {
@@ -78,7 +101,9 @@ class DesktopProgram {
   }
 
  private:
+  std::string path_;
   QProcess process_;
+  ErrorFile errors_{process_};
   QString log_;
 };
 
@@ -120,13 +145,12 @@ class DesktopTest : public ::testing::Test {
   // The server writes the display number to its standard output once it accepts connections.
   void SetUp() override {
     dieWithParent(server_);
-    server_.setStandardErrorFile(QProcess::nullDevice());
     server_.start(RVTOOLS_XVFB,
                   {"-displayfd", "1", "-screen", "0", "1600x1000x24", "-nolisten", "tcp"});
     const auto deadline = Clock::now() + 20s;
     while (!server_.canReadLine() && Clock::now() < deadline) server_.waitForReadyRead(100);
     const QString number = QString::fromLatin1(server_.readLine()).trimmed();
-    ASSERT_FALSE(number.isEmpty()) << "Xvfb did not start";
+    ASSERT_FALSE(number.isEmpty()) << "Xvfb did not start:\n" << serverErrors_.text();
     display_ = ':' + number;
   }
   void TearDown() override { stop(server_); }
@@ -201,6 +225,7 @@ class DesktopTest : public ::testing::Test {
   }
 
   QProcess server_;
+  ErrorFile serverErrors_{server_};
   QString display_;
 };
 

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <string>
 
 namespace {
 
@@ -17,6 +18,11 @@ void startProbe(QProcess& probe, const char* path) {
   probe.start(path, {});
 }
 
+// What the ended probe wrote to standard error (a sanitizer's report among it), for a failure.
+std::string errorsOf(QProcess& probe) {
+  return "\nstandard error:\n" + probe.readAllStandardError().toStdString();
+}
+
 TEST(LaunchTest, LaunchesInOrderAndQuitsWithoutWaitingForTheProgram) {
   QProcess probe;
   QElapsedTimer timer;
@@ -25,8 +31,9 @@ TEST(LaunchTest, LaunchesInOrderAndQuitsWithoutWaitingForTheProgram) {
   ASSERT_TRUE(probe.waitForFinished(10000));
   // The program asks to quit after 200 ms; start-up and the exit take the rest.
   EXPECT_LT(timer.elapsed(), 3000);
-  EXPECT_EQ(probe.exitStatus(), QProcess::NormalExit);
-  EXPECT_EQ(probe.exitCode(), 0);
+  const std::string errors = errorsOf(probe);
+  EXPECT_EQ(probe.exitStatus(), QProcess::NormalExit) << errors;
+  EXPECT_EQ(probe.exitCode(), 0) << errors;
   EXPECT_EQ(QString::fromUtf8(probe.readAllStandardOutput()),
             "applicationWillFinishLaunching: Called.\n"
             "applicationDidFinishLaunching: Start.\n"
@@ -44,14 +51,17 @@ QString problemOfOneRun() {
   if (!probe.waitForFinished(30000)) {
     probe.kill();
     probe.waitForFinished();
-    return "did not end";
+    return QString::fromStdString("did not end" + errorsOf(probe));
   }
   const QString log = QString::fromUtf8(probe.readAllStandardOutput());
-  if (probe.exitStatus() != QProcess::NormalExit) return "crashed:\n" + log;
-  if (probe.exitCode() != 0) return "ended with status " + QString::number(probe.exitCode());
+  const QString errors = QString::fromStdString(errorsOf(probe));
+  if (probe.exitStatus() != QProcess::NormalExit) return "crashed:\n" + log + errors;
+  if (probe.exitCode() != 0) {
+    return "ended with status " + QString::number(probe.exitCode()) + errors;
+  }
   if (!log.contains("Probe: printed and drawn.\n") ||
       !log.contains("applicationWillTerminate: Called.\n")) {
-    return "quit before the program drew, or without terminating:\n" + log;
+    return "quit before the program drew, or without terminating:\n" + log + errors;
   }
   return {};
 }

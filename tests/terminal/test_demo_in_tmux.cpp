@@ -41,21 +41,41 @@ std::string outputOf(const std::string& command) {
   return output;
 }
 
+std::string fileText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// The end of a text that may be long, as a failure shows it.
+std::string lastPart(const std::string& text) {
+  constexpr std::size_t Shown = 16000;
+  return text.size() <= Shown ? text : "..." + text.substr(text.size() - Shown);
+}
+
 // A tmux server of the test's own, on a socket in a temporary folder of its own, so that tests
 // run side by side and never meet the user's tmux; killed with its panes at the end. Its one pane
 // of columns x lines runs a shell command in that folder, with COLORTERM=truecolor and the
-// clipboard open to programs (OSC 52).
+// clipboard open to programs (OSC 52). When the test has failed, the end shows the pane, the file
+// "log" of the folder (where the demo's --log sends its log and its standard error) and what
+// tmux wrote to standard error.
 class TmuxSession {
  public:
   TmuxSession(const std::string& command, int columns, int lines) {
     char pattern[] = "/tmp/rvtools-terminal-XXXXXX";
     folder_ = mkdtemp(pattern);
     socket_ = folder_ + "/tmux";
+    errors_ = folder_ + "/tmux-errors";
     tmux("-f /dev/null new-session -d -x " + std::to_string(columns) + " -y " +
          std::to_string(lines) + " -c " + shellQuoted(folder_) + " -e COLORTERM=truecolor " +
          shellQuoted(command) + " \\; set-option -g set-clipboard on");
   }
   ~TmuxSession() {
+    if (::testing::Test::HasFailure()) {
+      ADD_FAILURE() << "the pane:\n"
+                    << tmux("capture-pane -p") << "\nits log and standard error:\n"
+                    << lastPart(fileText(folder_ + "/log")) << "\ntmux's standard error:\n"
+                    << lastPart(fileText(errors_));
+    }
     tmux("kill-server");
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
@@ -64,10 +84,11 @@ class TmuxSession {
   TmuxSession& operator=(const TmuxSession&) = delete;
 
   const std::string& folder() const { return folder_; }
-  // Runs tmux with `arguments` (already quoted for the shell) on this server; its output.
+  // Runs tmux with `arguments` (already quoted for the shell) on this server; its output. Its
+  // standard error goes to a file of the folder.
   std::string tmux(const std::string& arguments) const {
     return outputOf(std::string(RVTOOLS_TMUX) + " -S " + shellQuoted(socket_) + " " + arguments +
-                    " 2>/dev/null");
+                    " 2>>" + shellQuoted(errors_));
   }
   // The pane's lines, with SGR colour sequences when `colours`.
   std::vector<std::string> screen(bool colours = false) const {
@@ -113,6 +134,7 @@ class TmuxSession {
  private:
   std::string folder_;
   std::string socket_;
+  std::string errors_;
 };
 
 // Whether process `process` is gone (or only waits to be reaped).
@@ -131,11 +153,6 @@ std::string demoCommand(const std::string& options = "--terminal") {
   return std::string("ulimit -c 0; env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ") +
          RVTOOLS_KESSVIND + " " + options + " --log log; echo \"exit $?\"; stty -a > modes; " +
          "cat > typed";
-}
-
-std::string fileText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 bool waitForFileText(const std::string& path, const std::string& text) {
