@@ -14,6 +14,7 @@
 #include "runtime/log.hpp"
 #include "rvtools/display.hpp"
 #include "rvtools/input.hpp"
+#include "rvtools/menu_tags.hpp"
 #include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
 
@@ -21,15 +22,14 @@ namespace rvtools {
 namespace {
 
 constexpr Int LastItem = 65535;
-constexpr Int OpenPanelAction = 100;
-constexpr Int SavePanelAction = 101;
-// Tags of the built-in menu actions: the window actions 200..231, then the copy, clear and
-// paste actions.
-constexpr Int FirstWindowAction = 200;
+// Tags of the built-in menu actions: the window actions 200..231 (202 to 204 and 231 belong to
+// no item), then the copy, clear and paste actions.
+constexpr Int FirstWindowAction = MenuTag::HideAllWindows;
 constexpr Int LastWindowAction = 231;
-constexpr Int OtherActions[] = {110, 111, 112, 113, 114};
-constexpr Int FirstGraphicWindowAction = 213;
-constexpr Int LastGraphicWindowAction = 228;
+constexpr Int OtherActions[] = {MenuTag::CopyPicture, MenuTag::CopyText, MenuTag::ClearPrinter,
+                                MenuTag::Paste, MenuTag::ClearConsole};
+constexpr Int FirstGraphicWindowAction = MenuTag::showGraphicWindow(0);
+constexpr Int LastGraphicWindowAction = MenuTag::hideGraphicWindow(GraphicWindowCount - 1);
 
 // Items that the platform puts into the Edit and Window menus, in English and in German.
 constexpr const char* PlatformEditItems[] = {"Special Characters…", "Emoji & Symbols",
@@ -38,28 +38,16 @@ constexpr const char* PlatformEditItems[] = {"Special Characters…", "Emoji & S
 constexpr const char* PlatformWindowItems[] = {"Tile Window to Left of Screen",
                                                "Tile Window to Right of Screen", "Vollbildmodus"};
 
-// The handlers are replaced by the program thread while the interface thread and workers read
-// them, so they sit behind a lock.
-std::mutex& handlerMutex() {
-  static auto* mutex = new std::mutex;
-  return *mutex;
-}
-
-std::function<void()>& ProgramMenuHandler() {
-  static auto* handler = new std::function<void()>([] {});
+// The handlers are replaced by the program thread while the interface thread and workers call
+// them.
+HandlerSlot<void()>& ProgramMenuHandler() {
+  static auto* handler = new HandlerSlot<void()>;
   return *handler;
 }
 
-bool menuHandlerInstalled = false;
-
-std::function<void()>& ProgramPasteHandler() {
-  static auto* handler = new std::function<void()>(t_Beep);
+HandlerSlot<void()>& ProgramPasteHandler() {
+  static auto* handler = new HandlerSlot<void()>;
   return *handler;
-}
-
-std::function<void()> currentHandler(std::function<void()>& handler) {
-  std::lock_guard lock(handlerMutex());
-  return handler;
 }
 
 // MenuActions is read on the interface thread and added to by the program.
@@ -104,7 +92,7 @@ void deleteWindowItem(const std::string& menuTitle, const std::string& itemTitle
 t_MenuEvent menuEvent(const t_MenuItem& item) {
   t_MenuEvent event;
   if (!item.InMenu) return event;
-  event.Kind = 3;
+  event.Kind = MenuEventKind;
   event.Time = absoluteMilliseconds();
   event.MenuTitle = item.MenuTitle;
   event.ItemTitle = item.ItemTitle;
@@ -140,7 +128,9 @@ void runFilePanel(std::size_t index, const t_MenuAction& entry, bool save) {
 void copyFrontPicture() {
   const UInt8 front = host().frontWindow();
   std::optional<t_Image> picture;
-  if (front < 8 && host().viewHandle(front) != nullptr) picture = t_WindowImage(front);
+  if (front < GraphicWindowCount && host().viewHandle(front) != nullptr) {
+    picture = t_WindowImage(front);
+  }
   if (picture) {
     host().setPasteboardImage(*picture);
   } else {
@@ -150,7 +140,7 @@ void copyFrontPicture() {
 
 void copyFrontText() {
   const UInt8 front = host().frontWindow();
-  if (front < 8) {
+  if (front < GraphicWindowCount) {
     host().setPasteboardScreenText(front, t_GetScreen(front, "\r"));
     return;
   }
@@ -161,11 +151,8 @@ void copyFrontText() {
 }
 
 void pasteIntoFrontWindow() {
-  if (host().frontWindow() < 8) {
-    currentHandler(ProgramPasteHandler())();
-  } else {
-    t_Beep();
-  }
+  // Until the program installs a paste handler, pasting beeps.
+  if (host().frontWindow() >= GraphicWindowCount || !ProgramPasteHandler().callIfSet()) t_Beep();
 }
 
 void hideFrontWindow() {
@@ -181,15 +168,34 @@ void showOrHide(UInt8 window, bool show) {
   }
 }
 
+bool isGraphicWindowAction(Int action) {
+  return action >= FirstGraphicWindowAction && action <= LastGraphicWindowAction;
+}
+
+// The graphic window that a show or hide action of a graphic window serves.
+UInt8 graphicWindowOf(Int action) {
+  return static_cast<UInt8>((action - FirstGraphicWindowAction) / 2);
+}
+
+bool windowReady(UInt8 window) {
+  return MemoryInitialized && Windows[window].Initialized;
+}
+
 void showOrHideGraphicWindow(Int action) {
-  const Int offset = action - FirstGraphicWindowAction;
-  const auto window = static_cast<UInt8>(offset / 2);
-  if (!MemoryInitialized || !Windows[window].Initialized) {
+  const UInt8 window = graphicWindowOf(action);
+  if (!windowReady(window)) {
     logLine("t_MenuEventHandler: Window #", window, " not initialized.");
     t_Beep();
     return;
   }
-  showOrHide(window, offset % 2 == 0);
+  showOrHide(window, action == MenuTag::showGraphicWindow(window));
+}
+
+// The program's menu handler as it is now, for a worker to run; a choice made before the
+// program installed one starts a worker that does nothing.
+std::function<void()> programMenuHandler() {
+  std::function<void()> handler = ProgramMenuHandler().current();
+  return handler ? handler : [] {};
 }
 
 t_MenuAction menuActionAt(std::size_t index) {
@@ -200,46 +206,46 @@ t_MenuAction menuActionAt(std::size_t index) {
 void runMenuAction(std::size_t index) {
   const t_MenuAction entry = menuActionAt(index);
   const Int action = entry.Action;
-  if (action >= FirstGraphicWindowAction && action <= LastGraphicWindowAction) {
+  if (isGraphicWindowAction(action)) {
     showOrHideGraphicWindow(action);
     return;
   }
   switch (action) {
-    case OpenPanelAction:
-    case SavePanelAction:
-      return runFilePanel(index, entry, action == SavePanelAction);
-    case 110:
+    case MenuTag::Open:
+    case MenuTag::Save:
+      return runFilePanel(index, entry, action == MenuTag::Save);
+    case MenuTag::CopyPicture:
       return copyFrontPicture();
-    case 111:
+    case MenuTag::CopyText:
       return copyFrontText();
-    case 112:
+    case MenuTag::ClearPrinter:
       return clearTextWindow("t_MenuEventHandler", VirtualPrinterWindowNumber);
-    case 113:
+    case MenuTag::Paste:
       return pasteIntoFrontWindow();
-    case 114:
+    case MenuTag::ClearConsole:
       return clearTextWindow("t_MenuEventHandler", SystemConsoleWindowNumber);
-    case 200:
+    case MenuTag::HideAllWindows:
       for (UInt8 window = 0; window <= PreferencesWindowNumber; ++window) {
         t_WindowVisible(window, false);
       }
       return;
-    case 201:
+    case MenuTag::HideFrontWindow:
       return hideFrontWindow();
-    case 205:
-    case 206:
-      return showOrHide(MainWindowNumber, action == 205);
-    case 207:
-    case 208:
-      return showOrHide(PreferencesWindowNumber, action == 207);
-    case 209:
-    case 210:
-      return showOrHide(VirtualPrinterWindowNumber, action == 209);
-    case 211:
-    case 212:
-      return showOrHide(PasteboardWindowNumber, action == 211);
-    case 229:
-    case 230:
-      return showOrHide(SystemConsoleWindowNumber, action == 229);
+    case MenuTag::ShowMainWindow:
+    case MenuTag::HideMainWindow:
+      return showOrHide(MainWindowNumber, action == MenuTag::ShowMainWindow);
+    case MenuTag::ShowPreferences:
+    case MenuTag::HidePreferences:
+      return showOrHide(PreferencesWindowNumber, action == MenuTag::ShowPreferences);
+    case MenuTag::ShowPrinter:
+    case MenuTag::HidePrinter:
+      return showOrHide(VirtualPrinterWindowNumber, action == MenuTag::ShowPrinter);
+    case MenuTag::ShowPasteboard:
+    case MenuTag::HidePasteboard:
+      return showOrHide(PasteboardWindowNumber, action == MenuTag::ShowPasteboard);
+    case MenuTag::ShowConsole:
+    case MenuTag::HideConsole:
+      return showOrHide(SystemConsoleWindowNumber, action == MenuTag::ShowConsole);
     default:
       return;
   }
@@ -313,13 +319,11 @@ void t_MenuEventHandler(const t_MenuItem& item) {
   const std::optional<std::size_t> entry = menuActionIndex(item.Tag);
   if (entry) runMenuAction(*entry);
   MenuEventQueue.append(event);
-  if (!entry) startprocessasync(currentHandler(ProgramMenuHandler()));
+  if (!entry) startprocessasync(programMenuHandler());
 }
 
 void t_SetMenuHandler(std::function<void()> handler) {
-  std::lock_guard lock(handlerMutex());
-  menuHandlerInstalled = static_cast<bool>(handler);
-  ProgramMenuHandler() = handler ? std::move(handler) : [] {};
+  ProgramMenuHandler().set(std::move(handler));
 }
 
 std::optional<t_MenuEvent> t_TakeMenuEvent() {
@@ -327,8 +331,7 @@ std::optional<t_MenuEvent> t_TakeMenuEvent() {
 }
 
 void t_SetPasteHandler(std::function<void()> handler) {
-  std::lock_guard lock(handlerMutex());
-  ProgramPasteHandler() = handler ? std::move(handler) : t_Beep;
+  ProgramPasteHandler().set(std::move(handler));
 }
 
 void t_AddMenuAction(const t_MenuAction& action) {
@@ -344,15 +347,9 @@ std::optional<t_MenuAction> t_MenuActionOf(Int tag) {
 
 bool menuChoiceCanAct(Int tag) {
   const std::optional<t_MenuAction> entry = t_MenuActionOf(tag);
-  if (tag == OpenPanelAction || tag == SavePanelAction) return entry.has_value();
-  if (!entry) {
-    std::lock_guard lock(handlerMutex());
-    return menuHandlerInstalled;
-  }
-  if (entry->Action >= FirstGraphicWindowAction && entry->Action <= LastGraphicWindowAction) {
-    const auto window = static_cast<UInt8>((entry->Action - FirstGraphicWindowAction) / 2);
-    return MemoryInitialized && Windows[window].Initialized;
-  }
+  if (tag == MenuTag::Open || tag == MenuTag::Save) return entry.has_value();
+  if (!entry) return ProgramMenuHandler().isSet();
+  if (isGraphicWindowAction(entry->Action)) return windowReady(graphicWindowOf(entry->Action));
   return true;
 }
 

@@ -10,7 +10,8 @@ namespace rvtools {
 // The tags of the menu items whose actions the runtime carries out itself (MenuActions). An
 // item with tag 0, or with a tag no entry serves, goes to the program's menu handler.
 namespace MenuTag {
-inline constexpr Int Open = 100;  // a file panel, once the program added an entry for it
+inline constexpr Int ForProgram = 0;  // an item whose choice goes to the program
+inline constexpr Int Open = 100;      // a file panel, once the program added an entry for it
 inline constexpr Int Save = 101;
 inline constexpr Int CopyPicture = 110;
 inline constexpr Int CopyText = 111;
