@@ -32,32 +32,20 @@ void greet() {
 }
 
 // [manual host-class]
-// Step 1: the Host, its required core only. Its windows exist only as frames in memory, and
-// work for the interface thread runs on the calling thread, one piece at a time. Every
-// optional part keeps its default: no menus, no sounds, a pasteboard in memory.
-class TeletypeHost final : public Host {
+// Step 1: the Host. A pipe has no place for window frames, menus or auxiliary windows, so
+// they live in memory (InMemoryHost); what is left to write is the interface thread and the
+// way pictures are shown. Work for the interface thread runs on the calling thread, one piece
+// at a time.
+class TeletypeHost final : public InMemoryHost {
  public:
   bool isInterfaceThread() const override { return work_.isInterfaceThread(); }
   void runOnInterfaceThread(const std::function<void()>& work) override { work_.run(work); }
   // A host with a display composes the window's picture here (WindowView::composePicture)
   // unless ShownPicture says the one it shows is current. This one shows the text at the end.
   void displayView(UInt8, bool) override {}
-  void setWindowTitle(UInt8 window, const std::string& title) override {
-    frames_.setTitle(window, title);
-  }
-  void setWindowContentSize(UInt8 window, Int width, Int height) override {
-    frames_.setContentSize(window, width, height);
-  }
-  void setWindowVisible(UInt8 window, bool visible) override {
-    frames_.setVisible(window, visible);
-  }
-  void bringWindowToFront(UInt8 window) override { frames_.bringToFront(window); }
-  WindowFrame windowFrame(UInt8 window) override { return frames_.frame(window); }
-  UInt8 frontWindow() override { return frames_.front(); }
 
  private:
   InterfaceWork work_;
-  WindowFrames frames_;
 };
 // [end]
 

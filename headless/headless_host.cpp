@@ -14,15 +14,15 @@ HeadlessHost::HeadlessHost(std::string bundlePath)
 // What a caller can look at and set
 
 std::vector<HeadlessHost::Menu> HeadlessHost::menus() const {
-  return menus_.menus();
+  return menuSet().menus();
 }
 
 void HeadlessHost::setMenus(std::vector<Menu> menus) {
-  menus_.setMenus(std::move(menus));
+  menuSet().setMenus(std::move(menus));
 }
 
 void HeadlessHost::setTextViewPresent(UInt8 window, bool present) {
-  textViews_.setPresent(window, present);
+  textViews().setPresent(window, present);
 }
 
 t_Image HeadlessHost::pasteboardImage() const {
@@ -43,10 +43,10 @@ FilePanelRequest HeadlessHost::lastFilePanel() const {
 HeadlessHost::WindowState HeadlessHost::windowState(UInt8 window) const {
   if (window > MainWindowNumber) return {};
   WindowState state;
-  state.Title = frames_.title(window);
-  state.TitleVisible = frames_.titleVisible(window);
-  state.Frame = frames_.frame(window);
-  state.Border = frames_.borderColor(window);
+  state.Title = frames().title(window);
+  state.TitleVisible = frames().titleVisible(window);
+  state.Frame = frames().frame(window);
+  state.Border = frames().borderColor(window);
   std::lock_guard lock(mutex_);
   if (window < views_.size()) {
     state.HasView = views_[window].Present;
@@ -72,7 +72,7 @@ int HeadlessHost::clicks() const {
 }
 
 // ---------------------------------------------------------------------------------------------
-// The required core
+// The interface thread and the views
 
 bool HeadlessHost::isInterfaceThread() const {
   return work_.isInterfaceThread();
@@ -95,32 +95,8 @@ void HeadlessHost::displayView(UInt8 window, bool) {
   }
 }
 
-void HeadlessHost::setWindowTitle(UInt8 window, const std::string& title) {
-  frames_.setTitle(window, title);
-}
-
-void HeadlessHost::setWindowContentSize(UInt8 window, Int width, Int height) {
-  frames_.setContentSize(window, width, height);
-}
-
-void HeadlessHost::setWindowVisible(UInt8 window, bool visible) {
-  frames_.setVisible(window, visible);
-}
-
-void HeadlessHost::bringWindowToFront(UInt8 window) {
-  frames_.bringToFront(window);
-}
-
-WindowFrame HeadlessHost::windowFrame(UInt8 window) {
-  return frames_.frame(window);
-}
-
-UInt8 HeadlessHost::frontWindow() {
-  return frames_.front();
-}
-
 // ---------------------------------------------------------------------------------------------
-// The optional parts
+// Window lookup, resources, sounds, pasteboard and file panels
 
 // A view taken away takes its window with it: neither has a handle then.
 PlatformHandle HeadlessHost::windowHandle(UInt8 window) {
@@ -132,26 +108,6 @@ PlatformHandle HeadlessHost::viewHandle(UInt8 window) {
   std::lock_guard lock(mutex_);
   if (window >= views_.size() || !views_[window].Present) return nullptr;
   return Host::viewHandle(window);
-}
-
-void HeadlessHost::setWindowTitleVisible(UInt8 window, bool visible) {
-  frames_.setTitleVisible(window, visible);
-}
-
-void HeadlessHost::setWindowPosition(UInt8 window, Int x, Int y) {
-  frames_.setPosition(window, x, y);
-}
-
-void HeadlessHost::centerWindow(UInt8 window) {
-  frames_.center(window);
-}
-
-ScreenSize HeadlessHost::screenSize() {
-  return frames_.screen();
-}
-
-void HeadlessHost::setBorderColor(UInt8 window, t_RGBColor color) {
-  frames_.setBorderColor(window, color);
 }
 
 std::string HeadlessHost::bundlePath() {
@@ -181,34 +137,10 @@ void HeadlessHost::setPasteboardImage(const t_Image& image) {
   pasteboardImage_ = image;
 }
 
-std::optional<std::vector<std::string>> HeadlessHost::menuItemTitles(const std::string& menuTitle) {
-  return menus_.itemTitles(menuTitle);
-}
-
-void HeadlessHost::deleteMenuItem(const std::string& menuTitle, Int position) {
-  menus_.deleteItem(menuTitle, position);
-}
-
 std::string HeadlessHost::runFilePanel(const FilePanelRequest& request) {
   std::lock_guard lock(mutex_);
   lastFilePanel_ = request;
   return filePanelAnswer_;
-}
-
-std::optional<std::string> HeadlessHost::textViewText(UInt8 window) {
-  return textViews_.text(window);
-}
-
-bool HeadlessHost::appendToTextView(UInt8 window, const std::string& text) {
-  return textViews_.append(window, text);
-}
-
-bool HeadlessHost::clearTextView(UInt8 window) {
-  return textViews_.clear(window);
-}
-
-void HeadlessHost::preparePasteboardView() {
-  textViews_.clear(PasteboardWindowNumber);
 }
 
 }  // namespace rvtools

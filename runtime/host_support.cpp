@@ -254,6 +254,77 @@ void MenuSet::deleteItem(const std::string& menuTitle, Int position) {
 }
 
 // ---------------------------------------------------------------------------------------------
+// A host that keeps frames, menus and text views in memory
+
+void InMemoryHost::setWindowTitle(UInt8 window, const std::string& title) {
+  frames_.setTitle(window, title);
+}
+
+void InMemoryHost::setWindowContentSize(UInt8 window, Int width, Int height) {
+  frames_.setContentSize(window, width, height);
+}
+
+void InMemoryHost::setWindowVisible(UInt8 window, bool visible) {
+  frames_.setVisible(window, visible);
+}
+
+void InMemoryHost::bringWindowToFront(UInt8 window) {
+  frames_.bringToFront(window);
+}
+
+WindowFrame InMemoryHost::windowFrame(UInt8 window) {
+  return frames_.frame(window);
+}
+
+UInt8 InMemoryHost::frontWindow() {
+  return frames_.front();
+}
+
+void InMemoryHost::setWindowTitleVisible(UInt8 window, bool visible) {
+  frames_.setTitleVisible(window, visible);
+}
+
+void InMemoryHost::setWindowPosition(UInt8 window, Int x, Int y) {
+  frames_.setPosition(window, x, y);
+}
+
+void InMemoryHost::centerWindow(UInt8 window) {
+  frames_.center(window);
+}
+
+ScreenSize InMemoryHost::screenSize() {
+  return frames_.screen();
+}
+
+void InMemoryHost::setBorderColor(UInt8 window, t_RGBColor color) {
+  frames_.setBorderColor(window, color);
+}
+
+std::optional<std::vector<std::string>> InMemoryHost::menuItemTitles(const std::string& menuTitle) {
+  return menus_.itemTitles(menuTitle);
+}
+
+void InMemoryHost::deleteMenuItem(const std::string& menuTitle, Int position) {
+  menus_.deleteItem(menuTitle, position);
+}
+
+std::optional<std::string> InMemoryHost::textViewText(UInt8 window) {
+  return textViews_.text(window);
+}
+
+bool InMemoryHost::appendToTextView(UInt8 window, const std::string& text) {
+  return textViews_.append(window, text);
+}
+
+bool InMemoryHost::clearTextView(UInt8 window) {
+  return textViews_.clear(window);
+}
+
+void InMemoryHost::preparePasteboardView() {
+  textViews_.clear(PasteboardWindowNumber);
+}
+
+// ---------------------------------------------------------------------------------------------
 // File names
 
 std::string fileNameFromTitle(std::string_view title, UInt8 window, std::string_view extension) {

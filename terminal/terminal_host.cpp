@@ -109,16 +109,8 @@ void TerminalHost::displayView(UInt8 window, bool deferred) {
   requestFrame();
 }
 
-void TerminalHost::setWindowTitle(UInt8 window, const std::string& title) {
-  frames_.setTitle(window, title);
-}
-
-void TerminalHost::setWindowContentSize(UInt8 window, Int width, Int height) {
-  frames_.setContentSize(window, width, height);
-}
-
 void TerminalHost::bringWindowToFront(UInt8 window) {
-  frames_.bringToFront(window);
+  InMemoryHost::bringWindowToFront(window);
   {
     std::lock_guard lock(orderMutex_);
     std::erase(frontToBack_, window);
@@ -128,7 +120,7 @@ void TerminalHost::bringWindowToFront(UInt8 window) {
 }
 
 void TerminalHost::setWindowVisible(UInt8 window, bool visible) {
-  frames_.setVisible(window, visible);
+  InMemoryHost::setWindowVisible(window, visible);
   {
     std::lock_guard lock(orderMutex_);
     const bool shown =
@@ -139,25 +131,9 @@ void TerminalHost::setWindowVisible(UInt8 window, bool visible) {
   requestFrame();
 }
 
-WindowFrame TerminalHost::windowFrame(UInt8 window) {
-  return frames_.frame(window);
-}
-
 UInt8 TerminalHost::frontWindow() {
   std::lock_guard lock(orderMutex_);
   return frontToBack_.empty() ? NoWindow : frontToBack_.back();
-}
-
-void TerminalHost::setWindowPosition(UInt8 window, Int x, Int y) {
-  frames_.setPosition(window, x, y);
-}
-
-void TerminalHost::centerWindow(UInt8 window) {
-  frames_.center(window);
-}
-
-ScreenSize TerminalHost::screenSize() {
-  return frames_.screen();
 }
 
 // The click is silent; the beep is the terminal's bell.
@@ -179,30 +155,6 @@ void TerminalHost::setPasteboardText(const std::string& text) {
 
 void TerminalHost::setPasteboardScreenText(UInt8 window, const std::string&) {
   setPasteboardText(unicodeScreenText(window));
-}
-
-std::optional<std::vector<std::string>> TerminalHost::menuItemTitles(const std::string& menuTitle) {
-  return menus_.itemTitles(menuTitle);
-}
-
-void TerminalHost::deleteMenuItem(const std::string& menuTitle, Int position) {
-  menus_.deleteItem(menuTitle, position);
-}
-
-std::optional<std::string> TerminalHost::textViewText(UInt8 window) {
-  return textViews_.text(window);
-}
-
-bool TerminalHost::appendToTextView(UInt8 window, const std::string& text) {
-  return textViews_.append(window, text);
-}
-
-bool TerminalHost::clearTextView(UInt8 window) {
-  return textViews_.clear(window);
-}
-
-void TerminalHost::preparePasteboardView() {
-  textViews_.clear(PasteboardWindowNumber);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -22,7 +22,7 @@
 
 namespace rvtools::terminal {
 
-class TerminalHost final : public Host {
+class TerminalHost final : public InMemoryHost {
  public:
   TerminalHost(TerminalDevice& device, ColourDepth depth);
 
@@ -30,31 +30,21 @@ class TerminalHost final : public Host {
   // terminal until the user leaves; ends the process.
   [[noreturn]] void run(std::function<void()> entry);
 
-  // The required core.
+  // The interface thread is the one that runs `run`; a picture is drawn there when it changed.
   bool isInterfaceThread() const override;
   void runOnInterfaceThread(const std::function<void()>& work) override;
   void displayView(UInt8 window, bool deferred) override;
-  void setWindowTitle(UInt8 window, const std::string& title) override;
-  void setWindowContentSize(UInt8 window, Int width, Int height) override;
+
+  // The windows shown are kept in order, the front one drawn on the terminal.
   void setWindowVisible(UInt8 window, bool visible) override;
   void bringWindowToFront(UInt8 window) override;
-  WindowFrame windowFrame(UInt8 window) override;
   UInt8 frontWindow() override;
 
-  // The optional parts a terminal has, or keeps in memory.
-  void setWindowPosition(UInt8 window, Int x, Int y) override;
-  void centerWindow(UInt8 window) override;
-  ScreenSize screenSize() override;
+  // The bell, and the terminal's clipboard.
   bool playSound(Sound sound) override;
   void systemBeep() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardScreenText(UInt8 window, const std::string& screen) override;
-  std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
-  void deleteMenuItem(const std::string& menuTitle, Int position) override;
-  std::optional<std::string> textViewText(UInt8 window) override;
-  bool appendToTextView(UInt8 window, const std::string& text) override;
-  bool clearTextView(UInt8 window) override;
-  void preparePasteboardView() override;
 
  private:
   // The interface thread's loop and what it does with each input.
@@ -82,9 +72,6 @@ class TerminalHost final : public Host {
   TerminalDevice& device_;
   int wakePipe_[2] = {-1, -1};
   InterfaceWork work_;
-  WindowFrames frames_;
-  MenuSet menus_;
-  TextViews textViews_;
 
   std::mutex orderMutex_;
   std::vector<UInt8> frontToBack_;  // shown windows, the front one last

@@ -19,7 +19,7 @@
 
 namespace rvtools {
 
-class HeadlessHost : public Host {
+class HeadlessHost : public InMemoryHost {
  public:
   // Resources are looked up in bundlePath/Contents/Resources; an empty path means the
   // <Name>.app folder around the running executable.
@@ -57,37 +57,21 @@ class HeadlessHost : public Host {
   int beeps() const;
   int clicks() const;
 
-  // The required core.
+  // The interface thread is whichever thread calls; a view redraws at once, composing the
+  // window's picture into its buffer.
   bool isInterfaceThread() const override;
   void runOnInterfaceThread(const std::function<void()>& work) override;
   void displayView(UInt8 window, bool deferred) override;
-  void setWindowTitle(UInt8 window, const std::string& title) override;
-  void setWindowContentSize(UInt8 window, Int width, Int height) override;
-  void setWindowVisible(UInt8 window, bool visible) override;
-  void bringWindowToFront(UInt8 window) override;
-  WindowFrame windowFrame(UInt8 window) override;
-  UInt8 frontWindow() override;
 
-  // The optional parts, all of them, in memory.
+  // The optional parts that frames, menus and text views in memory leave open.
   PlatformHandle windowHandle(UInt8 window) override;
   PlatformHandle viewHandle(UInt8 window) override;
-  void setWindowTitleVisible(UInt8 window, bool visible) override;
-  void setWindowPosition(UInt8 window, Int x, Int y) override;
-  void centerWindow(UInt8 window) override;
-  ScreenSize screenSize() override;
-  void setBorderColor(UInt8 window, t_RGBColor color) override;
   std::string bundlePath() override;
   bool playSound(Sound sound) override;
   void systemBeep() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardImage(const t_Image& image) override;
-  std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
-  void deleteMenuItem(const std::string& menuTitle, Int position) override;
   std::string runFilePanel(const FilePanelRequest& request) override;
-  std::optional<std::string> textViewText(UInt8 window) override;
-  bool appendToTextView(UInt8 window, const std::string& text) override;
-  bool clearTextView(UInt8 window) override;
-  void preparePasteboardView() override;
 
  private:
   // What the host keeps of view 0..7.
@@ -98,9 +82,6 @@ class HeadlessHost : public Host {
   };
 
   InterfaceWork work_;
-  WindowFrames frames_;
-  MenuSet menus_;
-  TextViews textViews_;
   const std::string bundlePath_;
   mutable std::mutex mutex_;  // guards what follows
   std::array<View, 8> views_;

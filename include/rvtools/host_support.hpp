@@ -140,6 +140,44 @@ class MenuSet {
   std::vector<Menu> menus_ = desktopMenus();
 };
 
+// A host whose platform has no place for window frames, a menu bar or the auxiliary windows
+// (a terminal, a pipe, no display at all): it keeps them in memory (WindowFrames, MenuSet,
+// TextViews), so that a program reads back what it set. A host on such a platform derives from
+// it and adds its interface thread and the way it shows pictures: isInterfaceThread,
+// runOnInterfaceThread and displayView.
+class InMemoryHost : public Host {
+ public:
+  void setWindowTitle(UInt8 window, const std::string& title) override;
+  void setWindowContentSize(UInt8 window, Int width, Int height) override;
+  void setWindowVisible(UInt8 window, bool visible) override;
+  void bringWindowToFront(UInt8 window) override;
+  WindowFrame windowFrame(UInt8 window) override;
+  UInt8 frontWindow() override;
+  void setWindowTitleVisible(UInt8 window, bool visible) override;
+  void setWindowPosition(UInt8 window, Int x, Int y) override;
+  void centerWindow(UInt8 window) override;
+  ScreenSize screenSize() override;
+  void setBorderColor(UInt8 window, t_RGBColor color) override;
+  std::optional<std::vector<std::string>> menuItemTitles(const std::string& menuTitle) override;
+  void deleteMenuItem(const std::string& menuTitle, Int position) override;
+  std::optional<std::string> textViewText(UInt8 window) override;
+  bool appendToTextView(UInt8 window, const std::string& text) override;
+  bool clearTextView(UInt8 window) override;
+  void preparePasteboardView() override;
+
+ protected:
+  WindowFrames& frames() { return frames_; }
+  const WindowFrames& frames() const { return frames_; }
+  MenuSet& menuSet() { return menus_; }
+  const MenuSet& menuSet() const { return menus_; }
+  TextViews& textViews() { return textViews_; }
+
+ private:
+  WindowFrames frames_;
+  MenuSet menus_;
+  TextViews textViews_;
+};
+
 // A file name after the title of window `window`, "<title><extension>": blanks at either end
 // are dropped, "/" becomes "-" and control characters "_", and a title that names no file
 // gives "Window <window>".
