@@ -42,7 +42,7 @@ Int withBorders(Int size, Int border) {
 // themselves. Created once and never destroyed, as every global of the runtime.
 struct GraphicWindowTitles {
   std::mutex Mutex;
-  std::array<std::string, 8> Titles;
+  std::array<std::string, GraphicWindowCount> Titles;
 };
 
 GraphicWindowTitles& graphicWindowTitles() {
@@ -51,7 +51,7 @@ GraphicWindowTitles& graphicWindowTitles() {
 }
 
 void markVisible(UInt8 window, bool visible) {
-  if (window >= 8) return;
+  if (window >= GraphicWindowCount) return;
   Windows[window].Visible = visible;
   markPictureChanged(window);
 }
@@ -68,7 +68,7 @@ void t_WindowPos(UInt8 window, Int x, Int y) {
 void t_WindowSize(UInt8 window, Int x, Int y, Int width, Int height) {
   if (!windowExists("t_WindowSize", window)) return;
   if (x >= 0 && y >= 0) host().setWindowPosition(window, screenCoordinate(x), screenCoordinate(y));
-  if (window < 8) {
+  if (window < GraphicWindowCount) {
     width = withBorders(width, Windows[window].BorderWidth);
     height = withBorders(height, Windows[window].BorderHeight);
   }
@@ -77,7 +77,7 @@ void t_WindowSize(UInt8 window, Int x, Int y, Int width, Int height) {
 
 void t_WindowTitle(UInt8 window, const std::string& title) {
   if (!windowExists("t_WindowTitle", window)) return;
-  if (window < 8) {
+  if (window < GraphicWindowCount) {
     GraphicWindowTitles& titles = graphicWindowTitles();
     std::lock_guard lock(titles.Mutex);
     titles.Titles[window] = title;
@@ -113,7 +113,7 @@ t_WindowInformation t_WindowInfo(UInt8 window) {
 }
 
 std::string graphicWindowTitle(UInt8 window) {
-  if (window >= 8) return {};
+  if (window >= GraphicWindowCount) return {};
   GraphicWindowTitles& titles = graphicWindowTitles();
   std::lock_guard lock(titles.Mutex);
   return titles.Titles[window];
