@@ -20,7 +20,7 @@ namespace {
 
 // The record of a ready window, or null.
 const t_Window* readyRecord(UInt8 window) {
-  if (window >= 8 || !MemoryInitialized || !Windows[window].Initialized) return nullptr;
+  if (window >= GraphicWindowCount || !MemoryInitialized || !Windows[window].Initialized) return nullptr;
   return &Windows[window];
 }
 
@@ -37,7 +37,7 @@ bool WindowView::ready() const {
 }
 
 bool WindowView::visible() const {
-  return window_ < 8 && Windows[window_].Visible;
+  return window_ < GraphicWindowCount && Windows[window_].Visible;
 }
 
 Int WindowView::width() const {
@@ -71,7 +71,7 @@ std::uint64_t WindowView::pictureVersion() const {
 // VerticalBlank is false while the picture is composed, so that the refresh thread does not ask
 // for another frame of this window meanwhile.
 bool WindowView::composePicture(UInt8* pixels, std::size_t byteCount, PixelOrder order) const {
-  if (window_ >= 8) return t_WindowImageInto(window_, pixels, byteCount, order);
+  if (window_ >= GraphicWindowCount) return t_WindowImageInto(window_, pixels, byteCount, order);
   t_Window& record = Windows[window_];
   record.VerticalBlank = false;
   const bool composed = t_WindowImageInto(window_, pixels, byteCount, order);

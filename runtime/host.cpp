@@ -18,7 +18,7 @@ constexpr double UnixTimeOf2001 = 978307200.0;
 
 // The handles of the default window lookup: one distinct address for each window and view.
 std::array<char, MainWindowNumber + 1> windowMarkers;
-std::array<char, 8> viewMarkers;
+std::array<char, GraphicWindowCount> viewMarkers;
 
 class WindowlessHost final : public Host {
  public:

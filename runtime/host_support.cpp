@@ -187,7 +187,7 @@ namespace {
 
 // Graphic window 0..7: a show and a hide item each.
 void addGraphicWindowItems(std::vector<MenuSet::Item>& items) {
-  for (UInt8 n = 0; n < 8; ++n) {
+  for (UInt8 n = 0; n < GraphicWindowCount; ++n) {
     items.push_back({"Show Window " + std::to_string(n), MenuTag::showGraphicWindow(n)});
     items.push_back({"Hide Window " + std::to_string(n), MenuTag::hideGraphicWindow(n)});
   }
