@@ -28,8 +28,8 @@ struct WindowPoint {
   double Y = 0;
 };
 
-// The text cells of a window: one font code and one colour byte (paper colour in the high four
-// bits, ink in the low four) per cell, line by line from the top.
+// The text cells of a window: one font code and one colour byte (ink in the high four bits,
+// paper in the low four) per cell, line by line from the top.
 struct ScreenCells {
   Int Columns = 0;
   Int Lines = 0;
