@@ -80,7 +80,10 @@ QtHost::QtHost(AppDelegate& delegate)
     : delegate_(delegate),
       bundlePath_(bundleAroundExecutable()),
       sounds_(std::make_unique<SoundPlayer>(bundlePath_ + "/Contents/Resources")),
-      work_([this] { QCoreApplication::postEvent(receiver_.get(), new QEvent(QEvent::User)); }),
+      work_([this] {
+        QCoreApplication::postEvent(receiver_.get(),
+                                    std::make_unique<QEvent>(QEvent::User).release());
+      }),
       receiver_(std::make_unique<HandedOverWorkReceiver>(work_)) {}
 
 QtHost::~QtHost() = default;

