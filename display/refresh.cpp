@@ -2,10 +2,16 @@
 // The display refresh: a loop on a thread of its own asks the view of every initialised window
 // with AutoUpdate to redraw once per 1000 / RefreshRate milliseconds. VerticalBlank is the only
 // handshake: while a view composes its picture the flag is false and the loop leaves that
-// window alone.
+// window alone. The loop counts the frames it asks for, so that a program can wait for the next
+// one (t_WaitFrame).
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
 #include <functional>
 
 #include "runtime/arithmetic.hpp"
+#include "runtime/checks.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
@@ -28,10 +34,31 @@ void display(UInt8 window, bool deferred) {
   frameListener().callIfSet(window);
 }
 
-bool isDue(const t_Window& record, Int now) {
+// The frames the loop has asked each window's view to show.
+std::array<std::atomic<std::uint64_t>, GraphicWindowCount>& refreshedFrames() {
+  static auto* frames = new std::array<std::atomic<std::uint64_t>, GraphicWindowCount>{};
+  return *frames;
+}
+
+Int refreshInterval(const t_Window& record) {
   const Int rate = record.RefreshRate;
-  const Int interval = rate == 0 ? 0 : 1000 / rate;
-  return saturatingDifference(now, record.UpdateStarted) >= interval;
+  return rate == 0 ? 0 : 1000 / rate;
+}
+
+bool isDue(const t_Window& record, Int now) {
+  return saturatingDifference(now, record.UpdateStarted) >= refreshInterval(record);
+}
+
+// Whether the loop asks the window's view for frames by itself.
+bool isRefreshed(const t_Window& record) {
+  return MemoryInitialized && AutoUpdateRunning && record.Initialized && record.AutoUpdate;
+}
+
+// The longest t_WaitFrame waits: two of the window's intervals and a margin for a busy
+// machine. Only a view that stays busy composing (VerticalBlank false) misses a frame that
+// long, and it does not stall the program.
+Int frameWaitLimit(const t_Window& record) {
+  return 2 * std::max<Int>(refreshInterval(record), 0) + 250;
 }
 
 // One pass over the eight windows; true when any view was asked to redraw.
@@ -47,6 +74,7 @@ bool refreshDueWindows() {
     }
     record.UpdateStarted = absoluteMilliseconds();
     display(n, true);
+    refreshedFrames()[n].fetch_add(1, std::memory_order_relaxed);
     refreshed = true;
   }
   return refreshed;
@@ -77,6 +105,20 @@ void t_WindowUpdate(UInt8 window, bool deferred) {
   }
   markPictureChanged(window);
   display(window, deferred);
+}
+
+// The window may leave the refresh while this waits (the program's handlers run on threads of
+// their own), so each step looks again.
+void t_WaitFrame(UInt8 window) {
+  const t_Window* record = checkedWindow("t_WaitFrame", window);
+  if (record == nullptr) return;
+  const std::atomic<std::uint64_t>& frames = refreshedFrames()[window];
+  const std::uint64_t shown = frames.load(std::memory_order_relaxed);
+  const Int deadline = t_Timer() + frameWaitLimit(*record);
+  while (frames.load(std::memory_order_relaxed) == shown && isRefreshed(*record) &&
+         t_Timer() < deadline) {
+    sleepFor(0, 1000000);
+  }
 }
 
 void setFrameListener(std::function<void(UInt8 window)> listener) {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Keyboard events: the views' key handler, which turns a key press into a key event (Kind 1)
 // on the shared key queue, acts on the few keys that switch output redirection, and keeps the
-// global key and modifier state; and the program-side operations that wait for keys, t_GetKey
-// and t_GetYesNo. Depends on the runtime globals, the host's clock, text output (t_Print,
-// t_RedirectOutput) and the cursor display (t_CursorOn, t_CursorOff).
+// global key and modifier state and which keys are held; and the program-side operations that
+// wait for keys, t_GetKey and t_GetYesNo, or take them without waiting, t_InKey and t_KeyDown.
+// Depends on the runtime globals, the host's clock, text output (t_Print, t_RedirectOutput)
+// and the cursor display (t_CursorOn, t_CursorOff).
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -246,6 +248,28 @@ bool isScalarValue(Int value) {
   return value >= 0 && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF);
 }
 
+// The character of a key event's value as t_GetKey returns it: a value that is no Unicode
+// scalar becomes 0.
+char32_t characterOfValue(Int value) {
+  return isScalarValue(value) ? static_cast<char32_t>(value) : 0;
+}
+
+// The keys held down, by key number. The interface thread writes while the program reads.
+constexpr Int HeldKeyCount = 128;
+
+std::array<std::atomic<bool>, HeldKeyCount>& heldKeys() {
+  static auto* keys = new std::array<std::atomic<bool>, HeldKeyCount>{};
+  return *keys;
+}
+
+bool isHeldKeyNumber(Int keyNumber) {
+  return keyNumber >= 0 && keyNumber < HeldKeyCount;
+}
+
+void setHeld(Int keyNumber, bool held) {
+  if (isHeldKeyNumber(keyNumber)) heldKeys()[keyNumber].store(held, std::memory_order_relaxed);
+}
+
 // The next queued event; while none is queued the window's cursor shows.
 t_Event nextEvent(UInt8 window) {
   for (;;) {
@@ -354,13 +378,20 @@ Int yesNoAnswer(char32_t key, Int defaultAnswer) {
 
 }  // namespace
 
+// The key counts as held before its event is queued, so that a program that takes the event
+// finds the key held too.
 void viewKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int modifierFlags) {
+  setHeld(keyCode, true);
   handleKeyDown(window, keyCode, characters, modifierFlags);
   KeyIsDown = true;
 }
 
 void viewKeyUp() {
   KeyIsDown = false;
+}
+
+void viewKeyReleased(Int keyNumber) {
+  setHeld(keyNumber, false);
 }
 
 void viewFlagsChanged(Int modifierFlags) {
@@ -372,8 +403,22 @@ std::string t_GetKey(UInt8 window) {
     const t_Event event = nextEvent(window);
     LastEvent = event;
     if (event.Value < 0) continue;
-    return utf8Of(isScalarValue(event.Value) ? static_cast<char32_t>(event.Value) : 0);
+    return utf8Of(characterOfValue(event.Value));
   }
+}
+
+// Events without a value are passed over, as t_GetKey passes them; taking them all is bounded by
+// the queue's length.
+Int t_InKey(UInt8) {
+  while (std::optional<t_Event> event = EventQueue.takeFirst()) {
+    LastEvent = *event;
+    if (event->Value >= 0) return characterOfValue(event->Value);
+  }
+  return -1;
+}
+
+bool t_KeyDown(Int keyNumber) {
+  return isHeldKeyNumber(keyNumber) && heldKeys()[keyNumber].load(std::memory_order_relaxed);
 }
 
 Int t_GetYesNo(UInt8 window, Int defaultAnswer, bool echo) {

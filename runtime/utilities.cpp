@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Random numbers and text utilities: the mixed random source of t_Random, the conversion of
-// typed input to an integer, searching and cutting texts by character position, real numbers
-// with a decimal comma, hexadecimal figures and the Unicode scalars of UTF-8 text.
+// Random numbers and text utilities: the mixed random source of t_Random and the seeded one of
+// t_Randomize, the conversion of typed input to an integer, searching and cutting texts by
+// character position, real numbers with a decimal comma, hexadecimal figures and the Unicode
+// scalars of UTF-8 text.
 #include "runtime/utilities.hpp"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +50,42 @@ Int randomValue() {
   for (int byte = 0; byte < 7; ++byte) value = (value << 8) | ((mixedProduct() >> 16) & 0xFF);
   value = (value << 7) | ((mixedProduct() >> 16) & 0x7F);
   return static_cast<Int>(value);
+}
+
+// The generator of t_Randomize, splitmix64: a 64-bit counter stepped by the golden ratio and
+// mixed, well known and small enough to give the same numbers on every machine. Until a seed
+// is given it draws nothing. Threads may draw at the same time, so it keeps its state locked.
+class SeededSource {
+ public:
+  void seed(std::uint64_t seed) {
+    std::lock_guard lock(mutex_);
+    state_ = seed;
+    seeded_ = true;
+  }
+  void forget() {
+    std::lock_guard lock(mutex_);
+    seeded_ = false;
+  }
+  // The next non-negative 63-bit value; nothing before a seed.
+  std::optional<Int> next() {
+    std::lock_guard lock(mutex_);
+    if (!seeded_) return std::nullopt;
+    state_ += 0x9E3779B97F4A7C15;
+    std::uint64_t z = state_;
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EB;
+    return static_cast<Int>((z ^ (z >> 31)) >> 1);
+  }
+
+ private:
+  std::mutex mutex_;
+  std::uint64_t state_ = 0;
+  bool seeded_ = false;
+};
+
+SeededSource& seededSource() {
+  static auto* source = new SeededSource;
+  return *source;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -133,12 +172,21 @@ std::string shortestText(double value) {
 
 Int t_Random(Int n) {
   if (n == 0) return LastRandom;
-  const Int value = randomValue();
+  const std::optional<Int> seeded = seededSource().next();
+  const Int value = seeded ? *seeded : randomValue();
   const Int divisor = static_cast<Int>(static_cast<std::uint64_t>(n) + 1);
   // A divisor of 0 (n = -1) leaves the value whole, as a division that yields 0 would.
   const Int result = divisor == 0 ? value : value % divisor;
   LastRandom = result;
   return result;
+}
+
+void t_Randomize(Int seed) {
+  seededSource().seed(static_cast<std::uint64_t>(seed));
+}
+
+void useMixedRandomSource() {
+  seededSource().forget();
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Internal: number formatting for the runtime's log lines, and character counts of texts. The
-// conversions between UTF-8 and Unicode scalars, scalarsOf and utf8Of, are public
-// (rvtools/runtime.hpp).
+// Internal: number formatting for the runtime's log lines, character counts of texts, and the
+// way back from t_Randomize's generator. The conversions between UTF-8 and Unicode scalars,
+// scalarsOf and utf8Of, are public (rvtools/runtime.hpp).
 #pragma once
 
 #include <string>
@@ -18,5 +18,8 @@ std::string kilobyteText(Int bytes);
 
 // The number of Unicode scalars in UTF-8 text, counted as scalarsOf counts them.
 Int characterCount(std::string_view text);
+
+// t_Random mixes the system's random source with the clock again, as before any t_Randomize.
+void useMixedRandomSource();
 
 }  // namespace rvtools

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Keys and the mouse: the values key presses queue, keys that act or are dropped, refusals, the
-// program waiting for keys and yes/no answers, and clicks beyond the Int range.
+// program waiting for keys and yes/no answers, taking keys without waiting and the held keys,
+// and clicks beyond the Int range.
 #include <atomic>
 #include <chrono>
 #include <limits>
@@ -11,6 +12,8 @@
 
 namespace rvtools::testing {
 namespace {
+
+using namespace std::chrono_literals;
 
 const std::string LeftArrow = "\xEF\x9C\x82";  // U+F702
 const std::string F1 = "\xEF\x9C\x84";         // U+F704
@@ -205,6 +208,61 @@ TEST_F(KeyboardTest, YesNoAnswersAndTheirEcho) {
   // The last echo wraps the cursor; the second line stays untouched.
   EXPECT_EQ(screenText(0), "JJNNNNJN\n........\n");
   EXPECT_EQ(Windows[0].TextHpos * 100 + Windows[0].TextVpos, 102);
+}
+
+TEST_F(KeyboardTest, InKeyTakesWaitingKeysInOrderWithoutWaiting) {
+  EXPECT_EQ(t_InKey(0), -1);
+  t_Event withoutValue;
+  withoutValue.Value = -1;
+  t_Event surrogate;
+  surrogate.Value = 0xD800;
+  viewKeyDown(0, Key::A, "a", 0);
+  EventQueue.append(withoutValue);
+  viewKeyDown(0, Key::Left, LeftArrow, NumericPadFlag | FunctionFlag);
+  EventQueue.append(surrogate);
+  EXPECT_EQ(t_InKey(0), 'a');
+  EXPECT_EQ(t_InKey(0), KeyValue::Left);
+  EXPECT_EQ(LastEvent.Index, Key::Left);
+  // Any window number takes the keys of all windows, as t_GetKey does.
+  EXPECT_EQ(t_InKey(200), 0);
+  EXPECT_EQ(t_InKey(0), -1);
+  EXPECT_FALSE(EventPending);
+  EXPECT_EQ(Windows[0].TextCursorLevel, 0);
+  EXPECT_TRUE(logLines().empty());
+}
+
+// The held keys outlive a test's runtime, so each case first releases the keys it looks at.
+TEST_F(KeyboardTest, KeyDownFollowsPressesAndReleasesOfTheInterfaceThread) {
+  viewKeyReleased(Key::W);
+  viewKeyReleased(Key::Left);
+  EXPECT_FALSE(t_KeyDown(Key::W));
+  viewKeyDown(0, Key::W, "w", 0);
+  viewKeyUp();  // says that some key went up, not which
+  Windows[0].IgnoreEvents = true;
+  viewKeyDown(0, Key::Left, LeftArrow, 0);  // dropped, and held all the same
+  EXPECT_TRUE(t_KeyDown(Key::W) && t_KeyDown(Key::Left));
+  viewKeyReleased(Key::W);
+  EXPECT_FALSE(t_KeyDown(Key::W));
+  EXPECT_TRUE(t_KeyDown(Key::Left));
+  viewKeyReleased(Key::Left);
+  Windows[0].IgnoreEvents = false;
+  for (const Int outside : {Int{-1}, Int{128}, Key::Unknown, std::numeric_limits<Int>::min()}) {
+    viewKeyDown(0, outside, "x", 0);
+    EXPECT_FALSE(t_KeyDown(outside)) << outside;
+    viewKeyReleased(outside);
+  }
+
+  std::atomic<bool> seenHeld{false};
+  std::thread interfaceThread([&] {
+    viewKeyDown(0, Key::D, "d", 0);
+    for (int i = 0; i < 5000 && !seenHeld; ++i) std::this_thread::sleep_for(1ms);
+    viewKeyReleased(Key::D);
+  });
+  for (int i = 0; i < 5000 && !t_KeyDown(Key::D); ++i) std::this_thread::sleep_for(1ms);
+  EXPECT_TRUE(t_KeyDown(Key::D));
+  seenHeld = true;
+  interfaceThread.join();
+  EXPECT_FALSE(t_KeyDown(Key::D));
 }
 
 // The keys' window, 64 pixels in height, serves the clicks too.

@@ -69,6 +69,10 @@ void t_ColorBorder(UInt8 window, Int color);  // the border around the picture
 
 void t_WindowAutoUpdateProcess();                  // the refresh loop, on a thread of its own
 void t_WindowUpdate(UInt8 window, bool deferred);  // asks the view to redraw
+// Waits until the refresh has asked the view to show the window's picture once more, so that a
+// loop that draws and then waits runs at the window's RefreshRate. Returns at once for a window
+// that the refresh leaves alone (AutoUpdate off, or no refresh running).
+void t_WaitFrame(UInt8 window);
 
 // Called with the window's number each time the refresh or t_WindowUpdate has asked a view to
 // show its picture, on the thread that asked, after the view was asked. A recorder takes its

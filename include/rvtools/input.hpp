@@ -2,7 +2,9 @@
 // rvtools: input: keys, the line input editor, mouse and menu events.
 //
 // Views turn key presses and clicks into `t_Event` records on the global queues (runtime.hpp);
-// the program thread waits for keys with `t_GetKey` and edits lines with `t_InputForm`.
+// the program thread waits for keys with `t_GetKey` and edits lines with `t_InputForm`, or,
+// moving things on the screen, takes keys with `t_InKey` and asks which are held with
+// `t_KeyDown`.
 // Handlers that the program installs run on worker threads after each click or menu choice.
 // Menu choices either run one of the runtime's own actions or go to the program.
 #pragma once
@@ -25,10 +27,17 @@ namespace rvtools {
 // acts on the key, or drops it; then marks a key as down.
 void viewKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int modifierFlags);
 void viewKeyUp();                          // a key went up
+void viewKeyReleased(Int keyNumber);       // that key went up: t_KeyDown says false for it
 void viewFlagsChanged(Int modifierFlags);  // the modifier keys changed
 
 std::string t_GetKey(UInt8 window);                          // waits for the next key
 Int t_GetYesNo(UInt8 window, Int defaultAnswer, bool echo);  // 1 yes, 0 no, -1 escape, -2 other
+// Takes the next key without waiting: the code of the character t_GetKey would return for it,
+// or -1 when no key is waiting. Like t_GetKey it takes keys of every window; it shows no cursor.
+Int t_InKey(UInt8 window);
+// Whether the key of that number (Key::A ...) is held down now, as the host reports presses and
+// releases; false for a number outside the numbering.
+bool t_KeyDown(Int keyNumber);
 
 // A paste handler (t_SetPasteHandler) that types the pasteboard's plain text into the graphic
 // window in front, as the keyboard would: a line feed or carriage return as Return, a tab as

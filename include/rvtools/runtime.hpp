@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// rvtools: runtime state, the program thread, window frames, utilities, auxiliary windows.
+// rvtools: runtime state, the program thread, window frames, utilities, time, auxiliary windows.
 //
 // The runtime keeps its whole state in process-wide globals that are created once and never
 // freed: eight window records, one shared video memory, the palette, the event queues and a
@@ -181,6 +181,7 @@ t_WindowInformation t_WindowInfo(UInt8 window);
 // Random numbers and text utilities (positions count from 1; 0 is "not found")
 
 Int t_Random(Int n);                                    // 0..n; LastRandom for n = 0
+void t_Randomize(Int seed);                             // t_Random draws from a seeded generator
 std::vector<UInt8> TextToBytes(std::string_view text);  // UTF-8 bytes
 Int BytesToInteger(const std::vector<UInt8>& bytes);    // leading blanks, '-', digits
 Int TextPosition(std::string_view text, std::string_view pattern, Int start);
@@ -207,6 +208,12 @@ Utf8Sequence decodeUtf8(std::string_view bytes);
 std::vector<char32_t> scalarsOf(std::string_view text);
 // The UTF-8 form of one scalar; a value that is no scalar becomes U+FFFD.
 std::string utf8Of(char32_t scalar);
+
+// ---------------------------------------------------------------------------------------------
+// Time, from a clock that only goes forward
+
+Int t_Timer();                  // whole milliseconds since the program started
+void t_Wait(Int milliseconds);  // sleeps; at or below 0 it returns at once
 
 // ---------------------------------------------------------------------------------------------
 // Auxiliary windows and files

@@ -5,7 +5,7 @@
 //   types.hpp       the shared records: t_Window, t_Font, t_Event, t_MenuEvent, Text
 //   platform.hpp    the platform seam that a host implements, and what a host asks of the runtime
 //   runtime.hpp     globals, the program thread, window frames, random numbers and text
-//                   utilities, the auxiliary windows and files
+//                   utilities, time, the auxiliary windows and files
 //   text.hpp        fonts, glyphs, the cursor, printing with control codes and display modes
 //   font_codes.hpp  the character that each font code shows, as Unicode
 //   display.hpp     window images, low-resolution graphics, colours, the refresh
