@@ -14,6 +14,7 @@
 #include <immintrin.h>
 #endif
 
+#include "display/composition.hpp"
 #include "runtime/checks.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
@@ -48,17 +49,25 @@ inline void storePixel(UInt8* out, Int p, std::uint32_t word) {
   std::memcpy(out + 4 * p, &word, 4);
 }
 
-// What a composition reads: the window's graphic memory and its size.
-struct Picture {
-  const UInt8* memory;
-  Int width;
-  Int height;
-  Int depth;
-};
-
 template <PixelOrder order>
 std::uint32_t paletteWord(int n) {
   return pixelWord<order>(PaletteRed[n], PaletteGreen[n], PaletteBlue[n]);
+}
+
+// The palette colour that a value of a packed pixel shows: a set bit is colour 15 and a clear
+// bit colour 0; a nibble is its own colour.
+template <int bits>
+constexpr int packedColourNumber(int value) {
+  return bits == 1 ? 15 * value : value;
+}
+
+// The value of pixel p, in column x, of a picture of 1 or 4 bits a pixel: the pixel's byte is
+// counted from p, its bits are chosen by its column, the leftmost pixel in the high bits.
+template <int bits>
+int packedValue(const UInt8* memory, Int p, Int x) {
+  constexpr int perByte = 8 / bits, mask = (1 << bits) - 1;
+  const int shift = 8 - bits * (static_cast<int>(x % perByte) + 1);
+  return (memory[p / perByte] >> shift) & mask;
 }
 
 // Depths 1 and 4 pack 8 or 2 pixels into a byte, the leftmost in the high bits. A pixel's bits
@@ -67,10 +76,9 @@ std::uint32_t paletteWord(int n) {
 template <PixelOrder order, int bits>
 void composePacked(const Picture& picture, UInt8* out) {
   constexpr int perByte = 8 / bits, mask = (1 << bits) - 1;
-  // A set bit is palette colour 15 and a clear bit colour 0; a nibble is its own colour.
   std::uint32_t colours[16];
   for (int value = 0; value <= mask; ++value) {
-    colours[value] = paletteWord<order>(bits == 1 ? 15 * value : value);
+    colours[value] = paletteWord<order>(packedColourNumber<bits>(value));
   }
   if (picture.width % perByte == 0) {
     std::uint32_t table[256][perByte];
@@ -87,8 +95,7 @@ void composePacked(const Picture& picture, UInt8* out) {
   for (Int y = 0; y < picture.height; ++y) {
     for (Int x = 0; x < picture.width; ++x) {
       const Int p = y * picture.width + x;
-      const int shift = 8 - bits * (static_cast<int>(x % perByte) + 1);
-      storePixel(out, p, colours[(picture.memory[p / perByte] >> shift) & mask]);
+      storePixel(out, p, colours[packedValue<bits>(picture.memory, p, x)]);
     }
   }
 }
@@ -204,23 +211,55 @@ Int composeVectorised([[maybe_unused]] const Picture& picture, [[maybe_unused]] 
 #endif
 }
 
-// Grey levels from pixel `first` on: one byte a pixel at depth 8, the second of two bytes at
-// depth 16.
+// The grey level of pixel p: one byte a pixel at depth 8, the second of two bytes at depth 16.
+template <PixelOrder order, Int stride, Int offset>
+std::uint32_t greyPixel(const UInt8* memory, Int p) {
+  return greyWord<order>(memory[p * stride + offset]);
+}
+
+// Red, green, blue of pixel p: three bytes a pixel at depth 24, the last three of four at depth
+// 32 (whose first byte, alpha in memory, is ignored).
+template <PixelOrder order, Int stride, Int offset>
+std::uint32_t colourPixel(const UInt8* memory, Int p) {
+  const UInt8* pixel = memory + stride * p + offset;
+  return pixelWord<order>(pixel[0], pixel[1], pixel[2]);
+}
+
+// Grey levels from pixel `first` on.
 template <PixelOrder order, Int stride, Int offset>
 void composeGrey(Int first, const Picture& picture, UInt8* out) {
   const Int pixels = picture.width * picture.height;
-  const UInt8* in = picture.memory + offset;
-  for (Int p = first; p < pixels; ++p) storePixel(out, p, greyWord<order>(in[p * stride]));
+  for (Int p = first; p < pixels; ++p) {
+    storePixel(out, p, greyPixel<order, stride, offset>(picture.memory, p));
+  }
 }
 
-// Red, green, blue from pixel `first` on: three bytes a pixel at depth 24, the last three of
-// four at depth 32 (whose first byte, alpha in memory, is ignored).
+// Red, green, blue from pixel `first` on.
 template <PixelOrder order, Int stride, Int offset>
 void composeColour(Int first, const Picture& picture, UInt8* out) {
   const Int pixels = picture.width * picture.height;
   for (Int p = first; p < pixels; ++p) {
-    const UInt8* pixel = picture.memory + stride * p + offset;
-    storePixel(out, p, pixelWord<order>(pixel[0], pixel[1], pixel[2]));
+    storePixel(out, p, colourPixel<order, stride, offset>(picture.memory, p));
+  }
+}
+
+// Pixel (x, y) alone, converted as the whole picture converts it.
+template <PixelOrder order>
+std::uint32_t composedPixel(const Picture& picture, Int x, Int y) {
+  const Int p = y * picture.width + x;
+  switch (picture.depth) {
+    case 1:
+      return paletteWord<order>(packedColourNumber<1>(packedValue<1>(picture.memory, p, x)));
+    case 4:
+      return paletteWord<order>(packedColourNumber<4>(packedValue<4>(picture.memory, p, x)));
+    case 8:
+      return greyPixel<order, 1, 0>(picture.memory, p);
+    case 16:
+      return greyPixel<order, 2, 1>(picture.memory, p);
+    case 24:
+      return colourPixel<order, 3, 0>(picture.memory, p);
+    default:
+      return colourPixel<order, 4, 1>(picture.memory, p);
   }
 }
 
@@ -267,6 +306,21 @@ void logNotCollected() {
   logLine("t_WindowImage: Data could not be collected, image could not be created.");
 }
 
+bool pictureSized(Int width, Int height) {
+  return width >= 1 && height >= 1 && width <= LargestPictureSide && height <= LargestPictureSide;
+}
+
+// Why pictureOf found no picture: a picture of a good size at a depth that is none has one line
+// for every pixel that could not be converted; every other case one line.
+void logNoPicture(const t_Window& record) {
+  const Int width = record.Width, height = record.Height;
+  if (pictureSized(width, height) && !isSupportedDepth(record.BitDepth)) {
+    for (Int p = 0; p < width * height; ++p) logLine("t_WindowImage: Illegal bit depth.");
+    return;
+  }
+  logNotCollected();
+}
+
 // The picture of a window that may be shown, or nothing after the due message.
 std::optional<Picture> pictureToShow(UInt8 window) {
   if (!MemoryInitialized) return std::nullopt;
@@ -276,21 +330,9 @@ std::optional<Picture> pictureToShow(UInt8 window) {
   }
   const t_Window& record = Windows[window];
   if (!record.Visible) return std::nullopt;
-  const Int width = record.Width, height = record.Height, depth = record.BitDepth;
-  if (width < 1 || height < 1 || width > LargestPictureSide || height > LargestPictureSide) {
-    logNotCollected();
-    return std::nullopt;
-  }
-  if (!isSupportedDepth(depth)) {
-    // One line for every pixel that could not be converted.
-    for (Int p = 0; p < width * height; ++p) logLine("t_WindowImage: Illegal bit depth.");
-    return std::nullopt;
-  }
-  if (!pictureFits(record, width, height, depth)) {
-    logNotCollected();
-    return std::nullopt;
-  }
-  return Picture{VideoMemory.data() + record.MemoryStart, width, height, depth};
+  const std::optional<Picture> picture = pictureOf(record);
+  if (!picture) logNoPicture(record);
+  return picture;
 }
 
 Int microseconds(double seconds) {
@@ -316,6 +358,31 @@ std::size_t imageBytes(const Picture& picture) {
 }
 
 }  // namespace
+
+std::optional<Picture> pictureOf(const t_Window& record) {
+  const Int width = record.Width, height = record.Height, depth = record.BitDepth;
+  if (!pictureSized(width, height) || !isSupportedDepth(depth) ||
+      !pictureFits(record, width, height, depth)) {
+    return std::nullopt;
+  }
+  return Picture{VideoMemory.data() + record.MemoryStart, width, height, depth};
+}
+
+std::uint32_t shownColour(const Picture& picture, Int x, Int y) {
+  return composedPixel<PixelOrder::NativeArgb32>(picture, x, y) & 0xFFFFFF;
+}
+
+// At the depths of whole bytes a piece of a row is a picture of its own, one row high; at
+// depths 1 and 4 a piece may begin inside a byte, and goes pixel by pixel.
+void composeRow(const Picture& picture, Int x, Int y, Int count, UInt8* out) {
+  constexpr PixelOrder order = PixelOrder::AlphaRedGreenBlue;
+  if (picture.depth >= 8) {
+    const Int first = (y * picture.width + x) * (picture.depth / 8);
+    compose<order>(Picture{picture.memory + first, count, 1, picture.depth}, out);
+    return;
+  }
+  for (Int i = 0; i < count; ++i) storePixel(out, i, composedPixel<order>(picture, x + i, y));
+}
 
 bool t_WindowImageInto(UInt8 window, UInt8* pixels, std::size_t byteCount, PixelOrder order) {
   const std::optional<Picture> picture = pictureToShow(window);

@@ -18,51 +18,13 @@
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 #include "text/cells.hpp"
+#include "text/shades.hpp"
 
 namespace rvtools {
 namespace {
 
 constexpr Int UncompressedGrey = 2;
 constexpr Int UncompressedPlain = 0;
-
-// mix(f, b) = f x g / 255 + (255 - g) x b / 255, each term truncated on its own.
-constexpr int mix(int foreground, int background, int grey) {
-  return foreground * grey / 255 + (255 - grey) * background / 255;
-}
-
-int greyOf(int colour) {
-  return (PaletteRed[colour] + PaletteGreen[colour] + PaletteBlue[colour]) / 3;
-}
-
-// The palette colour nearest to (red, green, blue); greys map to the palette's four greys.
-UInt8 nearestPaletteColour(int red, int green, int blue) {
-  if (red == green && green == blue) {
-    const int sum = red + green + blue;
-    if (sum < 192) return 0;
-    if (sum <= 383) return 5;
-    if (sum < 576) return 10;
-    return 15;
-  }
-  int best = 65535;
-  UInt8 choice = 0;
-  for (int n = 0; n < 16; ++n) {
-    const int dr = red - PaletteRed[n], dg = green - PaletteGreen[n], db = blue - PaletteBlue[n];
-    const int distance = dr * dr + dg * dg + db * db;
-    if (distance < best) {
-      best = distance;
-      choice = static_cast<UInt8>(n);
-    }
-  }
-  return choice;
-}
-
-// What one grey value of a glyph becomes for one pair of colours, at every depth.
-struct Shade {
-  UInt8 red, green, blue;  // depths 24 and 32
-  UInt8 grey;              // depths 8 and 16
-  UInt8 nibble;            // depth 4
-  bool bit;                // depth 1
-};
 
 // Shades for every (colour byte, grey value): the colour byte's high nibble is the ink.
 using ShadeTable = std::array<std::array<Shade, 256>, 256>;
@@ -71,18 +33,8 @@ const ShadeTable& shades() {
   static const ShadeTable* table = [] {
     auto* built = new ShadeTable;
     for (int colours = 0; colours < 256; ++colours) {
-      const int f = colours >> 4, b = colours & 15;
-      for (int g = 0; g < 256; ++g) {
-        const int red = mix(PaletteRed[f], PaletteRed[b], g);
-        const int green = mix(PaletteGreen[f], PaletteGreen[b], g);
-        const int blue = mix(PaletteBlue[f], PaletteBlue[b], g);
-        (*built)[colours][g] = {static_cast<UInt8>(red),
-                                static_cast<UInt8>(green),
-                                static_cast<UInt8>(blue),
-                                static_cast<UInt8>(mix(greyOf(f), greyOf(b), g)),
-                                nearestPaletteColour(red, green, blue),
-                                (red + green + blue) / 3 >= 128};
-      }
+      const t_RGBColor ink = PaletteColor(colours >> 4), paper = PaletteColor(colours & 15);
+      for (int g = 0; g < 256; ++g) (*built)[colours][g] = glyphShade(ink, paper, g);
     }
     return built;
   }();
