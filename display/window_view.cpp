@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "runtime/checks.hpp"
+#include "runtime/pixel_drawings.hpp"
 #include "runtime/window_frames.hpp"
 #include "rvtools/host_support.hpp"
 #include "rvtools/platform.hpp"
@@ -20,7 +22,8 @@ namespace {
 
 // The record of a ready window, or null.
 const t_Window* readyRecord(UInt8 window) {
-  if (window >= GraphicWindowCount || !MemoryInitialized || !Windows[window].Initialized) return nullptr;
+  if (window >= GraphicWindowCount || !MemoryInitialized || !Windows[window].Initialized)
+    return nullptr;
   return &Windows[window];
 }
 
@@ -112,6 +115,15 @@ Int WindowView::cellHeight() const {
   const t_Window* record = readyRecord(window_);
   if (record == nullptr || record->TextMemoryStart < 0 || record->TextHeight < 1) return 1;
   return std::max<Int>(record->Height / record->TextHeight, 1);
+}
+
+std::vector<bool> WindowView::pixelCells() const {
+  const t_Window* record = readyRecord(window_);
+  if (record == nullptr || record->TextMemoryStart < 0) return {};
+  PixelDrawingCells drawings = pixelDrawingCells(window_);
+  // A grid of another size belongs to a window initialised anew meanwhile.
+  if (drawings.Columns != record->TextWidth || drawings.Lines != record->TextHeight) return {};
+  return std::move(drawings.Cells);
 }
 
 WindowPoint WindowView::windowPointOf(double x, double y) const {

@@ -15,6 +15,7 @@
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
+#include "runtime/pixel_drawings.hpp"
 #include "runtime/threads.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/display.hpp"
@@ -326,8 +327,9 @@ void fillRecord(t_Window& record, const Geometry& geometry, const Frame& frame,
   record.TextMemoryEnd = blocks.textEnd;
 }
 
-// Binds the window to its view and shows it there: a cleared picture, its title, its size and
-// its border colour. Without a view the window stays uninitialised and keeps its new blocks.
+// Binds the window to its view and shows it there: a cleared picture with the first pen and no
+// pixel drawings, its title, its size and its border colour. Without a view the window stays
+// uninitialised and keeps its new blocks.
 void showOnView(UInt8 window, const std::string& p, t_Window& record, const t_Font& font) {
   const PlatformHandle view = host().viewHandle(window);
   if (view == nullptr) {
@@ -341,6 +343,7 @@ void showOnView(UInt8 window, const std::string& p, t_Window& record, const t_Fo
   record.Window = host().windowHandle(window);
   record.Font = font;
   clearPicture(record);
+  resetPixelDrawings(window, record.TextWidth, record.TextHeight);
   markPictureChanged(window);
   t_WindowTitle(window, windowTitle(record.TextMemoryStart >= 0));
   t_WindowSize(window, -1, -1, record.Width, record.Height);

@@ -13,6 +13,7 @@
 
 #include "runtime/arithmetic.hpp"
 #include "runtime/checks.hpp"
+#include "runtime/pixel_drawings.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 #include "text/cells.hpp"
@@ -194,6 +195,8 @@ void scroll(UInt8 window, t_Window& record, Direction direction) {
     fast->characters.perform();
     fast->colours.perform();
     fast->pixels.perform();
+    // Pixel drawings move with the pixels, and so do the marks of the cells that hold them.
+    movePixelDrawingLines(window, area.firstLine, area.lastLine, direction == Direction::Up);
   } else {
     redrawArea(window, record, area, direction);
   }

@@ -14,6 +14,7 @@
 #include "runtime/checks.hpp"
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
+#include "runtime/pixel_drawings.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
@@ -274,6 +275,7 @@ void t_PrintSymbol(UInt8 window, UInt8 character, UInt8 color, Int column, Int l
                     font.Width,
                     font.Height};
     drawGlyph(record.BitDepth, cell, font, character, colours);
+    forgetPixelDrawing(window, column, line);
   }
   recordInTextMemory(record, character, colours, column, line);
   markPictureChanged(window);

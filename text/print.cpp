@@ -21,6 +21,7 @@
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 #include "text/cells.hpp"
+#include "text/printed_codes.hpp"
 
 namespace rvtools {
 namespace {
@@ -260,11 +261,6 @@ std::string joinedUtf8(const std::vector<char32_t>& scalars) {
   return text;
 }
 
-// A character as a code of the font: beyond the character set it shows as "?", as in t_Print.
-UInt8 codeOf(char32_t scalar) {
-  return static_cast<UInt8>(scalar > 255 ? QuestionMark : scalar);
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------
@@ -362,7 +358,7 @@ void t_Header(UInt8 window, const std::string& left, const std::string& right) {
     const char32_t last = line.back();
     line.pop_back();
     t_Print(window, joinedUtf8(line));
-    t_PrintSymbol(window, codeOf(last), color, record->TextHpos, record->TextVpos);
+    t_PrintSymbol(window, printedCode(last), color, record->TextHpos, record->TextVpos);
   }
   if (inclusiveCount(record->TextFirstLine, record->TextLastLine) > 1) {
     t_Cr(window);

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// rvtools: display: window images, low-resolution graphics, colours and the refresh.
+// rvtools: display: window images, low-resolution and pixel graphics, colours and the refresh.
 //
 // A window's picture is its graphic memory; `t_WindowImage` turns it into four bytes a pixel
 // (alpha, red, green, blue). Low-resolution graphics live in the text cells: colour blocks of
-// two points a cell, or quarter blocks of 2 x 2 points. The refresh thread asks each view to
-// redraw at its window's refresh rate.
+// two points a cell, or quarter blocks of 2 x 2 points. Pixel graphics draw straight into the
+// picture with a pen of the window's own. The refresh thread asks each view to redraw at its
+// window's refresh rate.
 #pragma once
 
 #include <cstdint>
@@ -63,6 +64,25 @@ std::string screenColorText(UInt8 window);
 
 void t_Color(UInt8 window, Int color);        // foreground of text and plots
 void t_ColorBorder(UInt8 window, Int color);  // the border around the picture
+
+// ---------------------------------------------------------------------------------------------
+// Pixel graphics
+//
+// Coordinates are pixels of the picture from its upper left corner, as ClickX and ClickY report
+// them; what lies outside the picture is cut away. The window's pen lands as a fully inked glyph
+// pixel of its colour would at the window's depth. Pixel operations leave text memory alone.
+
+void t_HColor(UInt8 window, Int color);                        // the pen: a palette colour
+void t_HColorRGB(UInt8 window, Int red, Int green, Int blue);  // the pen: each part 0..255
+void t_HPlot(UInt8 window, Int x, Int y);                      // one pixel
+void t_HLine(UInt8 window, Int x1, Int y1, Int x2, Int y2);    // both ends included
+void t_HRect(UInt8 window, Int x1, Int y1, Int x2, Int y2, bool filled);  // corners included
+void t_HCircle(UInt8 window, Int x, Int y, Int radius, bool filled);
+void t_HFill(UInt8 window, Int x, Int y);  // the 4-connected region of (x, y)'s stored value
+Int t_HPixel(UInt8 window, Int x, Int y);  // the colour shown, 0xRRGGBB, or -1
+void t_HText(UInt8 window, Int x, Int y, const std::string& text);  // ink only, in the pen
+t_Image t_HGet(UInt8 window, Int x, Int y, Int width, Int height);  // as t_WindowImage
+void t_HPut(UInt8 window, Int x, Int y, const t_Image& image);      // alpha 0 is left out
 
 // ---------------------------------------------------------------------------------------------
 // Display refresh

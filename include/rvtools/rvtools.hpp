@@ -8,7 +8,7 @@
 //                   utilities, time, the auxiliary windows and files
 //   text.hpp        fonts, glyphs, the cursor, printing with control codes and display modes
 //   font_codes.hpp  the character that each font code shows, as Unicode
-//   display.hpp     window images, low-resolution graphics, colours, the refresh
+//   display.hpp     window images, low-resolution and pixel graphics, colours, the refresh
 //   keys.hpp        key numbers, modifier flags and the values programs receive for keys
 //   input.hpp       keys, the line input editor, mouse, menus
 //   lifecycle.hpp   video memory and window initialisation, quitting

@@ -2,10 +2,10 @@
 // rvtools: what a host reads of a graphic window, and nothing it could change.
 //
 // A host shows a window through a WindowView: whether it is ready, its size, depth, border and
-// title, its picture version, its picture composed into the host's buffer, and its text cells
-// with their colour bytes. The program may change the window at any moment, so every answer is
-// read afresh and holds for the moment it was read; a picture or cells read while the program
-// draws may be half changed, which the next frame mends.
+// title, its picture version, its picture composed into the host's buffer, its text cells with
+// their colour bytes, and which of them hold pixel drawings. The program may change the window
+// at any moment, so every answer is read afresh and holds for the moment it was read; a picture
+// or cells read while the program draws may be half changed, which the next frame mends.
 #pragma once
 
 #include <atomic>
@@ -70,6 +70,11 @@ class WindowView {
   // How many picture pixels one text cell covers across and down; 1 without text.
   Int cellWidth() const;
   Int cellHeight() const;
+  // Which text cells hold pixel drawings, one flag a cell in the order of textCells() (Columns x
+  // Lines, line by line from the top); empty without text. A pixel operation (t_HPlot, t_HLine
+  // ...) marks every cell whose pixels it writes, and a glyph drawn into a cell clears it, so a
+  // host that draws a window from its cells draws the marked ones from the picture.
+  std::vector<bool> pixelCells() const;
 
   // Picture pixel (x, y), counted from the picture's top left, in window coordinates.
   WindowPoint windowPointOf(double x, double y) const;
