@@ -273,6 +273,7 @@ class PictureTest : public RuntimeTest {
   TestFolder folder_{"rvtools-pictures-"};
 };
 
+// Read back with libpng and with t_LoadPicture.
 TEST_F(PictureTest, SavedPicturesReadBackAsTheWindowsImageAtEveryDepth) {
   for (const Int depth : {1, 4, 8, 16, 24, 32}) {
     initTextWindow(0, depth, 5, 2);
@@ -287,6 +288,10 @@ TEST_F(PictureTest, SavedPicturesReadBackAsTheWindowsImageAtEveryDepth) {
     const t_Image image = *t_WindowImage(0);
     EXPECT_EQ(Position(width, height), Position(image.Width, image.Height));
     EXPECT_EQ(pixels, image.Pixels) << "depth " << depth;
+    const std::optional<t_Image> loaded = t_LoadPicture(file);
+    ASSERT_TRUE(loaded.has_value()) << "depth " << depth;
+    EXPECT_EQ(Position(loaded->Width, loaded->Height), Position(width, height));
+    EXPECT_EQ(loaded->Pixels, image.Pixels) << "depth " << depth;
   }
   EXPECT_TRUE(logLines().empty());
 }

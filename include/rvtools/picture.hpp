@@ -2,15 +2,18 @@
 // rvtools: pictures and recordings of what a program shows, as image files.
 //
 // The picture library (rvtools::picture) writes a window's picture, the image that
-// t_WindowImage composes, pixel for pixel, as a PNG file, and records it as an animated GIF.
+// t_WindowImage composes, pixel for pixel, as a PNG file, reads PNG files back as pictures, and
+// records a window as an animated GIF.
 // Files are written under a temporary name beside the final one and renamed when complete, so
 // that a failure never leaves half a file under the name asked for. The desktop, terminal and
 // headless hosts link it; the core does not.
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "rvtools/display.hpp"
 #include "rvtools/types.hpp"
 
 namespace rvtools {
@@ -19,6 +22,13 @@ namespace rvtools {
 // log line, when the window has no picture (not a graphic window, not initialised, not
 // visible) or the file cannot be written.
 bool t_SavePicture(UInt8 window, const std::string& path);
+
+// The picture in the PNG file at `path` as bytes A, R, G, B, whatever its colour type, bit depth
+// and interlacing: samples as the file holds them (16 bits rounded to 8, no gamma applied),
+// palettes and tRNS expanded, opaque where the file has no alpha. Nothing, with one log line,
+// when the file is missing, unreadable, malformed, or its picture has a side over
+// LargestPictureSide; a picture's memory is allocated only once its declared size is accepted.
+std::optional<t_Image> t_LoadPicture(const std::string& path);
 
 // Records graphic window `window`'s picture as an animated GIF at `path` that plays in a loop,
 // from now until t_RecordStop or the end of the application, which finishes the file. A frame
