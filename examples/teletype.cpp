@@ -50,8 +50,8 @@ class TeletypeHost final : public InMemoryHost {
 // [end]
 
 // [manual host-keys]
-// Step 4: every character of standard input becomes the key press that types it, once the
-// program's first window is up.
+// Step 4: every character of standard input becomes the key press that types it, released at
+// once, when the program's first window is up.
 void typeStandardInput() {
   const std::string input(std::istreambuf_iterator<char>(std::cin), {});
   const std::optional<UInt8> window = waitForFirstWindow();
@@ -60,6 +60,7 @@ void typeStandardInput() {
     if (const std::optional<KeyStroke> key = keyStrokeOfCharacter(character)) {
       viewKeyDown(*window, key->KeyNumber, key->Characters, key->Flags);
       viewKeyUp();
+      viewKeyReleased(key->KeyNumber);
     }
   }
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// runHeadless: the whole main of a program without a display. It installs a headless host, runs
-// the launch sequence, starts recording the program's first window once it is up, types, clicks
-// and chooses what the command line asks for, waits for the program to end, and leaves the
-// recording and the first window's picture and screen in files when asked to (run_options.hpp).
+// runHeadless: the whole main of a program without a display. It installs a headless host, seeds
+// the random numbers when asked, runs the launch sequence, starts recording the program's first
+// window once it is up, types, clicks and chooses what the command line asks for, waits for the
+// program to end, and leaves the recording and the first window's picture and screen in files
+// when asked to (run_options.hpp).
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -19,19 +21,48 @@ namespace {
 
 using namespace std::chrono_literals;
 using headless::Click;
+using headless::KeyStep;
 using headless::MenuChoice;
+using headless::Pause;
 
 // Waits until the program has taken every key typed so far, or has ended.
 void waitUntilKeysTaken() {
   while (EventPending && programRunning()) std::this_thread::sleep_for(10ms);
 }
 
-void type(UInt8 window, const std::vector<KeyStroke>& keys) {
-  for (const KeyStroke& key : keys) {
-    viewKeyDown(window, key.KeyNumber, key.Characters, key.Flags);
-    viewKeyUp();
+// Waits out a pause between keys, in steps of at most 10 ms, or until the program has ended.
+void waitOut(const Pause& pause) {
+  for (Int left = pause.Milliseconds; left > 0 && programRunning();) {
+    const Int step = std::min<Int>(left, 10);
+    std::this_thread::sleep_for(std::chrono::milliseconds(step));
+    left -= step;
   }
 }
+
+// Types the keys of the command line into one window. A key is held from its press until the
+// next key goes down, so that a pause before that key is the time the program finds it held.
+class Typist {
+ public:
+  explicit Typist(UInt8 window) : window_(window) {}
+
+  void type(const std::vector<KeyStep>& steps) {
+    for (const KeyStep& step : steps) {
+      if (const auto* key = std::get_if<KeyStroke>(&step)) press(*key);
+      if (const auto* pause = std::get_if<Pause>(&step)) waitOut(*pause);
+    }
+  }
+
+ private:
+  void press(const KeyStroke& key) {
+    viewKeyReleased(heldKey_);
+    viewKeyDown(window_, key.KeyNumber, key.Characters, key.Flags);
+    viewKeyUp();
+    heldKey_ = key.KeyNumber;
+  }
+
+  UInt8 window_;
+  Int heldKey_ = Key::Unknown;
+};
 
 // A left click at a pixel of the drawing area, in window coordinates: the content's lower left
 // is the origin, the border included.
@@ -66,9 +97,10 @@ void giveInputs(HeadlessHost& host, const std::vector<headless::ScriptedInput>& 
   if (inputs.empty()) return;
   const std::optional<UInt8> window = waitForFirstWindow();
   if (!window) return;
+  Typist typist(*window);
   for (const headless::ScriptedInput& input : inputs) {
     waitUntilKeysTaken();
-    if (const auto* keys = std::get_if<std::vector<KeyStroke>>(&input)) type(*window, *keys);
+    if (const auto* keys = std::get_if<std::vector<KeyStep>>(&input)) typist.type(*keys);
     if (const auto* at = std::get_if<Click>(&input)) click(*window, *at);
     if (const auto* choice = std::get_if<MenuChoice>(&input)) choose(host, *choice);
   }
@@ -97,6 +129,7 @@ int runHeadless(int argc, char** argv, std::function<void()> entry) {
   }
   static auto* host = new HeadlessHost;
   setHost(*host);
+  if (options.Seed) t_Randomize(*options.Seed);
   runLaunchSequence(std::move(entry));
   startRecording(options.RecordPath);
   giveInputs(*host, options.Inputs);

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The command line of runHeadless: scripted keys, clicks and menu choices, and the files a
-// program leaves: its recording and, when it has ended, its picture and screen. Keys without
-// text are named in braces, as they are printed on the keys: {Left}, {Right}, {Up}, {Down},
-// {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the forward delete), {Backspace}, {Return},
-// {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12}.
+// The command line of runHeadless: scripted keys, clicks and menu choices, the seed of the
+// random numbers, and the files a program leaves: its recording and, when it has ended, its
+// picture and screen. Keys without text are named in braces, as they are printed on the keys:
+// {Left}, {Right}, {Up}, {Down}, {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the forward
+// delete), {Backspace}, {Return}, {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12}; a
+// pause between keys is {wait <ms>}.
 #include "headless/run_options.hpp"
 
 #include <algorithm>
@@ -76,6 +77,34 @@ std::optional<char32_t> escapedCharacter(std::string_view text, std::size_t& len
   }
 }
 
+constexpr std::string_view WaitOpening = "{wait ";
+
+// Where the next {wait <ms>} of `text` opens, from `from` on; npos when none follows. Escaped
+// characters and the names of keys are passed over whole.
+std::size_t nextWait(std::string_view text, std::size_t from) {
+  for (std::size_t at = from; at < text.size();) {
+    if (text.substr(at).starts_with(WaitOpening)) return at;
+    if (text[at] == '\\') {
+      at += 2;
+    } else if (text[at] == '{') {
+      const std::size_t close = text.find('}', at);
+      if (close == std::string_view::npos) return std::string_view::npos;
+      at = close + 1;
+    } else {
+      ++at;
+    }
+  }
+  return std::string_view::npos;
+}
+
+// A whole number that takes all of `text`.
+std::optional<Int> wholeNumber(std::string_view text) {
+  Int number = 0;
+  const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (problem != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
 std::optional<Click> clickAt(std::string_view position) {
   const std::size_t comma = position.find(',');
   if (comma == std::string_view::npos) return std::nullopt;
@@ -133,12 +162,36 @@ std::vector<KeyStroke> keyStrokesOf(std::string_view text, std::string& error) {
   return strokes;
 }
 
+std::vector<KeyStep> keyStepsOf(std::string_view text, std::string& error) {
+  std::vector<KeyStep> steps;
+  for (std::size_t at = 0; error.empty();) {
+    const std::size_t wait = nextWait(text, at);
+    for (KeyStroke& stroke : keyStrokesOf(text.substr(at, wait - at), error)) {
+      steps.emplace_back(std::move(stroke));
+    }
+    if (wait == std::string_view::npos || !error.empty()) break;
+    const std::size_t close = text.find('}', wait);
+    const std::size_t first = wait + WaitOpening.size();
+    const std::optional<Int> milliseconds = close == std::string_view::npos
+                                                ? std::nullopt
+                                                : wholeNumber(text.substr(first, close - first));
+    if (!milliseconds || *milliseconds < 0) {
+      error = "{wait <ms>} takes a number of milliseconds";
+      break;
+    }
+    steps.emplace_back(Pause{*milliseconds});
+    at = close + 1;
+  }
+  return steps;
+}
+
 RunOptions parseRunOptions(int argc, char** argv) {
   RunOptions options;
   for (int i = 1; i < argc && options.Error.empty(); ++i) {
     const std::string_view option = argv[i];
     const bool known = option == "--keys" || option == "--click" || option == "--menu" ||
-                       option == "--record" || option == "--picture" || option == "--screen";
+                       option == "--record" || option == "--picture" || option == "--screen" ||
+                       option == "--seed";
     if (!known) continue;
     if (i + 1 >= argc) {
       options.Error = std::string(option) + " needs a value";
@@ -146,7 +199,10 @@ RunOptions parseRunOptions(int argc, char** argv) {
     }
     const std::string_view value = argv[++i];
     if (option == "--keys") {
-      options.Inputs.emplace_back(keyStrokesOf(value, options.Error));
+      options.Inputs.emplace_back(keyStepsOf(value, options.Error));
+    } else if (option == "--seed") {
+      options.Seed = wholeNumber(value);
+      if (!options.Seed) options.Error = "--seed takes a whole number";
     } else if (option == "--click") {
       const std::optional<Click> click = clickAt(value);
       if (!click) options.Error = "--click takes x,y";

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The graphic windows and their views: the picture is composed on the interface thread into an
 // image kept across frames and drawn with nearest-neighbour scaling. Keys go to the runtime's key
-// handler, clicks in the view or in the border to its mouse handler in window coordinates.
+// handler and their releases to its held keys, clicks in the view or in the border to its mouse
+// handler in window coordinates.
 #include "shell/graphic_window.hpp"
 
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPainter>
+#include <utility>
 
 #include "rvtools/host.hpp"
 #include "shell/key_translation.hpp"
@@ -75,17 +77,28 @@ void GraphicView::keyPressEvent(QKeyEvent* event) {
   if (press.ModifierKey) {
     viewFlagsChanged(press.Flags);
   } else {
+    heldKeys_.insert(press.KeyCode);
     viewKeyDown(window_, press.KeyCode, press.Characters, press.Flags);
   }
 }
 
+// A key held down repeats as pairs of releases and presses marked as repeats; it is released
+// only when it really goes up.
 void GraphicView::keyReleaseEvent(QKeyEvent* event) {
   const KeyPress press = translateKey(*event);
   if (press.ModifierKey) {
     viewFlagsChanged(press.Flags);
   } else if (!event->isAutoRepeat()) {
     viewKeyUp();
+    viewKeyReleased(press.KeyCode);
+    heldKeys_.remove(press.KeyCode);
   }
+}
+
+void GraphicView::focusOutEvent(QFocusEvent* event) {
+  for (const Int key : std::as_const(heldKeys_)) viewKeyReleased(key);
+  heldKeys_.clear();
+  QWidget::focusOutEvent(event);
 }
 
 void GraphicView::mousePressEvent(QMouseEvent* event) {

@@ -7,6 +7,7 @@
 
 #include <QImage>
 #include <QList>
+#include <QSet>
 #include <QWidget>
 #include <atomic>
 #include <chrono>
@@ -37,6 +38,8 @@ class GraphicView final : public QWidget {
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  // The keys held while the view loses the keyboard go up, since their releases go elsewhere.
+  void focusOutEvent(QFocusEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   // Tab and shift-tab are keys for the program, not a move of the focus.
@@ -47,7 +50,8 @@ class GraphicView final : public QWidget {
 
   UInt8 window_;
   GraphicWindow& owner_;
-  QImage picture_;  // kept across frames; reallocated only when the window's size changes
+  QSet<Int> heldKeys_;  // pressed here and not yet released
+  QImage picture_;      // kept across frames; reallocated only when the window's size changes
   // What the kept picture shows; the refresh thread reads it to leave an unchanged view alone.
   ShownPicture shown_;
 };

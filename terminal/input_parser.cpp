@@ -3,7 +3,10 @@
 // keyStrokeOfCharacter, so that a typed "A" or control-S is the key press the desktop reports;
 // keys without text follow the escape sequences of xterm and of the terminals that copy it
 // (CSI and SS3 forms, "~" codes of the VT220, the Linux console's F1..F5), with the modifier
-// parameter 1 + (Shift 1, Alt 2, Control 4, Meta 8). Depends on rvtools/keys.hpp only.
+// parameter 1 + (Shift 1, Alt 2, Control 4, Meta 8). Terminals that speak the kitty keyboard
+// protocol send every key as "CSI code ; modifiers:event ; text u" (or the xterm forms with
+// the event added), which tells presses and repeats from releases. Depends on
+// rvtools/keys.hpp only.
 #include "terminal/input_parser.hpp"
 
 #include <algorithm>
@@ -17,8 +20,14 @@ constexpr char Escape = 0x1B;
 constexpr std::string_view PasteEnd = "\x1B[201~";
 // A control sequence longer than this is nothing a terminal sends; it is dropped.
 constexpr std::size_t LongestSequence = 64;
-// Larger numbers in a sequence are cut to this, which no code reaches.
-constexpr int LargestParameter = 9999;
+// Larger numbers in a sequence are cut to this, one past the largest Unicode scalar, which no
+// code reaches.
+constexpr int LargestParameter = 0x110000;
+
+// The event types of the kitty keyboard protocol; a press is the default.
+constexpr int PressEvent = 1, ReleaseEvent = 3;
+// That protocol's key codes for keys without text, in the private use area.
+constexpr int FirstFunctionalCode = 57344, LastFunctionalCode = 63743;
 
 // A key without text as the desktop reports it, with the modifiers of the sequence besides.
 KeyStroke strokeOf(Int keyNumber, Int extraFlags) {
@@ -87,6 +96,8 @@ std::optional<Int> tildeKey(int code) {
       return functionKeyNumber(11);
     case 24:
       return functionKeyNumber(12);
+    case 57427:  // the keypad's middle key, in the kitty keyboard protocol
+      return Key::KeypadClear;
     default:
       break;
   }
@@ -124,6 +135,67 @@ std::optional<KeyStroke> keypadKey(char letter, Int extraFlags) {
   }
 }
 
+// The kitty keyboard protocol's codes of the keypad, from 57399 (0) to 57415 (=), as the
+// letters of the keypad's application-mode sequences; 57416, the separator, has none.
+constexpr std::string_view KeypadCodeLetters = "pqrstuvwxynojmkMX";
+constexpr int FirstKeypadCode = 57399;
+// Then its cursor and editing keys, from 57417 (left) to 57426 (delete).
+constexpr Int KeypadCursorKeys[] = {Key::Left,   Key::Right,        Key::Up,   Key::Down,
+                                    Key::PageUp, Key::PageDown,     Key::Home, Key::End,
+                                    Key::Insert, Key::ForwardDelete};
+constexpr int FirstKeypadCursorCode = 57417;
+
+// The character that control turns a key's character into, as terminals have long sent it:
+// the letters and @ [ \ ] ^ _ become 0..31, the blank 0; nothing for the other characters.
+std::optional<char32_t> controlCharacter(int character) {
+  if (character == ' ') return 0;
+  if (character >= 'a' && character <= 'z') return static_cast<char32_t>(character - 'a' + 1);
+  if (character >= '@' && character <= '_') return static_cast<char32_t>(character - '@');
+  return std::nullopt;
+}
+
+// The characters a key of the kitty protocol typed: the text the terminal sent with it, else
+// the key's own character as control or shift makes it.
+std::string characterTyped(int code, Int flags, const std::vector<int>& text) {
+  std::string typed;
+  for (const int scalar : text) {
+    if (scalar > 0) typed += utf8Of(static_cast<char32_t>(scalar));
+  }
+  if (!typed.empty()) return typed;
+  if ((flags & ControlFlag) != 0) {
+    if (const std::optional<char32_t> control = controlCharacter(code)) return utf8Of(*control);
+  }
+  const bool shiftedLetter = (flags & ShiftFlag) != 0 && code >= 'a' && code <= 'z';
+  return utf8Of(static_cast<char32_t>(shiftedLetter ? code - 32 : code));
+}
+
+// A key of the kitty protocol's "CSI code ; modifiers ; text u" form as the desktop reports it.
+// The key number comes from the code, the key's unshifted character, and so is the same for the
+// key's press and its release; the modifier keys and the keys the numbering lacks give nothing.
+std::optional<KeyStroke> kittyKeyStroke(int code, Int flags, const std::vector<int>& text) {
+  if (code >= FirstKeypadCode &&
+      code < FirstKeypadCode + static_cast<int>(KeypadCodeLetters.size())) {
+    return keypadKey(KeypadCodeLetters[static_cast<std::size_t>(code - FirstKeypadCode)], flags);
+  }
+  if (code >= FirstKeypadCursorCode && code < FirstKeypadCursorCode + 10) {
+    return strokeOf(KeypadCursorKeys[code - FirstKeypadCursorCode], flags);
+  }
+  if ((code >= FirstFunctionalCode && code <= LastFunctionalCode) || code > 0x10FFFF) {
+    return std::nullopt;
+  }
+  if (code == '\t' && (flags & ShiftFlag) != 0) return KeyStroke{Key::Tab, "\x19", flags};
+  if (code == '\r' || code == '\t' || code == 0x1B || code == 0x7F) {
+    KeyStroke stroke = *keyStrokeOfCharacter(static_cast<char32_t>(code));
+    stroke.Flags |= flags;
+    return stroke;
+  }
+  // Code 0 stands for text that no key typed, as an input method sends it.
+  if (code == 0 && text.empty()) return std::nullopt;
+  const std::optional<KeyStroke> key =
+      code > 0 ? keyStrokeOfCharacter(static_cast<char32_t>(code)) : std::nullopt;
+  return KeyStroke{key ? key->KeyNumber : Key::Unknown, characterTyped(code, flags, text), flags};
+}
+
 // The numbers of a sequence's parameter bytes; sub-parameters after ":" are ignored.
 std::vector<int> parametersOf(std::string_view text) {
   std::vector<int> numbers(1, 0);
@@ -139,6 +211,30 @@ std::vector<int> parametersOf(std::string_view text) {
     }
   }
   return numbers;
+}
+
+// The sub-parameters of parameter `index` (counted from 0), split at ":"; an empty one is 0.
+std::vector<int> subParametersOf(std::string_view text, std::size_t index) {
+  for (std::size_t skipped = 0; skipped < index; ++skipped) {
+    const std::size_t semicolon = text.find(';');
+    if (semicolon == std::string_view::npos) return {};
+    text.remove_prefix(semicolon + 1);
+  }
+  std::vector<int> numbers(1, 0);
+  for (const char byte : text.substr(0, text.find(';'))) {
+    if (byte == ':') {
+      numbers.push_back(0);
+    } else if (byte >= '0' && byte <= '9') {
+      numbers.back() = std::min(numbers.back() * 10 + (byte - '0'), LargestParameter);
+    }
+  }
+  return numbers;
+}
+
+// The event type that the kitty protocol adds to the modifiers: "1;2:3" is Shift's release.
+int eventTypeOf(std::string_view text) {
+  const std::vector<int> modifiers = subParametersOf(text, 1);
+  return modifiers.size() >= 2 && modifiers[1] != 0 ? modifiers[1] : PressEvent;
 }
 
 int parameter(const std::vector<int>& numbers, std::size_t index, int missing) {
@@ -276,8 +372,21 @@ InputParser::Step InputParser::readControlSequence(std::string_view bytes) {
         mouseReport(numbers[0], parameter(numbers, 1, 1), parameter(numbers, 2, 1), final == 'M');
     return {done.Consumed, report ? std::optional<TerminalInput>(*report) : std::nullopt};
   }
+  // The answer to the query of the keyboard protocol: its enhancements, 2 for releases.
+  if (marker == '?' && final == 'u' && parametersEnd == end) {
+    if ((numbers[0] & 2) == 0) return done;
+    return {done.Consumed, KeyReleasesReported{}};
+  }
   if (marker != 0 || parametersEnd != end) return done;  // replies and other private forms
   const Int flags = modifierFlags(parameter(numbers, 1, 1));
+  const bool release = eventTypeOf(text) == ReleaseEvent;
+  // A press and a repeat alike are a key stroke; a release gives the key's number alone.
+  const auto keyEvent = [&](std::optional<KeyStroke> stroke) -> Step {
+    if (!stroke) return done;
+    if (release) return {done.Consumed, KeyRelease{stroke->KeyNumber}};
+    return {done.Consumed, std::move(*stroke)};
+  };
+  if (final == 'u') return keyEvent(kittyKeyStroke(numbers[0], flags, subParametersOf(text, 2)));
   if (final == '~') {
     const int code = parameter(numbers, 0, 0);
     if (code == 200) {
@@ -285,15 +394,11 @@ InputParser::Step InputParser::readControlSequence(std::string_view bytes) {
       pasted_.clear();
       return done;
     }
-    if (const std::optional<Int> key = tildeKey(code)) {
-      return {done.Consumed, strokeOf(*key, flags)};
-    }
+    if (const std::optional<Int> key = tildeKey(code)) return keyEvent(strokeOf(*key, flags));
     return done;
   }
-  if (final == 'Z') return {done.Consumed, KeyStroke{Key::Tab, "\x19", ShiftFlag | flags}};
-  if (const std::optional<Int> key = letterKey(final)) {
-    return {done.Consumed, strokeOf(*key, flags)};
-  }
+  if (final == 'Z') return keyEvent(KeyStroke{Key::Tab, "\x19", ShiftFlag | flags});
+  if (const std::optional<Int> key = letterKey(final)) return keyEvent(strokeOf(*key, flags));
   return done;
 }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Internal to the terminal host: what the bytes from the terminal mean. Characters and control
 // keys, the escape sequences of xterm-compatible terminals for cursor, paging, editing,
-// function and keypad keys (with their modifiers), SGR mouse reports and bracketed paste
-// become key strokes in the desktop's terms (key number, characters, modifier flags), mouse
-// reports and pasted text. The parser keeps an incomplete sequence across reads; a lone Escape
-// is told from the start of a sequence by the caller's timeout.
+// function and keypad keys (with their modifiers), the key events of the kitty keyboard
+// protocol (presses, repeats and releases of every key), SGR mouse reports and bracketed paste
+// become key strokes in the desktop's terms (key number, characters, modifier flags), key
+// releases, mouse reports and pasted text. The parser keeps an incomplete sequence across
+// reads; a lone Escape is told from the start of a sequence by the caller's timeout.
 #pragma once
 
 #include <chrono>
@@ -32,7 +33,16 @@ struct PastedText {
   std::string Text;
 };
 
-using TerminalInput = std::variant<KeyStroke, MouseReport, PastedText>;
+// A key went up; only terminals that speak the kitty keyboard protocol say so.
+struct KeyRelease {
+  Int KeyNumber = Key::Unknown;
+};
+
+// The terminal's answer to the query of its keyboard protocol: it reports key releases.
+struct KeyReleasesReported {};
+
+using TerminalInput =
+    std::variant<KeyStroke, KeyRelease, KeyReleasesReported, MouseReport, PastedText>;
 
 // How long an incomplete escape sequence may wait for its rest, and a paste for its end.
 inline constexpr std::chrono::milliseconds EscapeTimeout{50};

@@ -18,13 +18,18 @@ namespace rvtools::terminal {
 namespace {
 
 // Alternate screen, hidden cursor, no automatic wrap, keypad application mode, mouse buttons
-// reported in the SGR form, bracketed paste.
+// reported in the SGR form, bracketed paste; then, for terminals that speak the kitty keyboard
+// protocol, its enhancements 27 pushed on the alternate screen's stack (codes without ambiguity
+// 1, repeats and releases 2, every key as a key event 8, the text it typed 16) and the query
+// of what the terminal took. Other terminals ignore the last two.
 constexpr std::string_view TakeOverSequence =
-    "\x1B[?1049h\x1B[?25l\x1B[?7l\x1B=\x1B[?1000h\x1B[?1006h\x1B[?2004h";
+    "\x1B[?1049h\x1B[?25l\x1B[?7l\x1B=\x1B[?1000h\x1B[?1006h\x1B[?2004h\x1B[>27u\x1B[?u";
 // The same undone, after a cancel of any sequence that a cut-off frame left open and the end of
-// its synchronized update.
+// its synchronized update; the keyboard protocol's enhancements are popped before the alternate
+// screen, whose stack holds them, is left.
 constexpr char GiveBackSequence[] =
-    "\x18\x1B[?2026l\x1B[?2004l\x1B[?1006l\x1B[?1000l\x1B>\x1B[0m\x1B[?7h\x1B[?25h\x1B[?1049l";
+    "\x18\x1B[?2026l\x1B[<u\x1B[?2004l\x1B[?1006l\x1B[?1000l\x1B>\x1B[0m\x1B[?7h\x1B[?25h"
+    "\x1B[?1049l";
 
 constexpr int TerminationSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 constexpr int CrashSignals[] = {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL};

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Internal to the terminal host: the terminal itself. Taking it over puts standard input into
 // raw mode and switches the screen to what the host needs (alternate screen, hidden cursor,
-// mouse and paste reporting, keypad application mode, no automatic wrap); giving it back undoes
-// all of it. Handlers for the termination signals (SIGINT, SIGTERM, SIGHUP, SIGQUIT) and for
-// crashes (SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL) give the terminal back with
-// async-signal-safe calls only, then let the signal take its default course.
+// mouse and paste reporting, keypad application mode, no automatic wrap, the kitty keyboard
+// protocol's key events where the terminal has them); giving it back undoes all of it.
+// Handlers for the termination signals (SIGINT, SIGTERM, SIGHUP, SIGQUIT) and for crashes
+// (SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL) give the terminal back with async-signal-safe
+// calls only, then let the signal take its default course.
 #pragma once
 
 #include <mutex>

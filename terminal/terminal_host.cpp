@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The terminal host: the Host interface for a terminal, its interface thread's loop and the
 // one-line menu. Keys become the key presses the desktop reports (viewKeyDown), each going up
-// at once, since a terminal reports no releases; clicks become clicks at the top left pixel of
+// at once (viewKeyUp). The held keys (viewKeyReleased) follow the terminal's releases where it
+// reports them (the kitty keyboard protocol), else they are guessed from the times of the
+// presses (GuessedReleases); clicks become clicks at the top left pixel of
 // their cell; pasted text goes to the program's paste handler through the runtime's Paste
 // action. A frame is drawn when the window in front changed its picture, at most at the
 // window's refresh rate, and at least once a second a frame is composed and compared, which
@@ -166,6 +168,7 @@ void TerminalHost::run(std::function<void()> entry) {
     std::vector<TerminalInput> inputs;
     waitAndReadInput(inputs);
     for (const TerminalInput& input : inputs) handle(input);
+    for (const Int key : guessedReleases_.takeReleased(Clock::now())) viewKeyReleased(key);
     work_.runHandedOver();
     noticeProgramEnd();
     if (frameWanted_.exchange(false)) drawFrame();
@@ -205,17 +208,26 @@ void TerminalHost::waitAndReadInput(std::vector<TerminalInput>& inputs) {
 }
 
 int TerminalHost::pollTimeoutMilliseconds() const {
-  if (const auto patience = parser_.patience()) {
-    const auto left = lastInput_ + *patience - Clock::now();
-    return static_cast<int>(
-        std::max<std::int64_t>(0, std::chrono::ceil<std::chrono::milliseconds>(left).count()));
+  const auto millisecondsUntil = [](Clock::time_point moment) {
+    return static_cast<int>(std::max<std::int64_t>(
+        0, std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count()));
+  };
+  int timeout = programEnded_ ? -1 : ProgramWatchMilliseconds;
+  if (const auto patience = parser_.patience()) timeout = millisecondsUntil(lastInput_ + *patience);
+  if (const auto release = guessedReleases_.nextRelease()) {
+    const int untilRelease = millisecondsUntil(*release);
+    timeout = timeout < 0 ? untilRelease : std::min(timeout, untilRelease);
   }
-  return programEnded_ ? -1 : ProgramWatchMilliseconds;
+  return timeout;
 }
 
 void TerminalHost::handle(const TerminalInput& input) {
   if (const auto* key = std::get_if<KeyStroke>(&input)) {
     handleKey(*key);
+  } else if (const auto* release = std::get_if<KeyRelease>(&input)) {
+    viewKeyReleased(release->KeyNumber);
+  } else if (std::holds_alternative<KeyReleasesReported>(input)) {
+    releasesReported_ = true;
   } else if (const auto* report = std::get_if<MouseReport>(&input)) {
     handleMouse(*report);
   } else if (const auto* paste = std::get_if<PastedText>(&input)) {
@@ -241,6 +253,7 @@ void TerminalHost::handleKey(const KeyStroke& key) {
   viewKeyDown(window, key.KeyNumber, key.Characters, key.Flags);
   viewKeyUp();
   viewFlagsChanged(0);
+  if (!releasesReported_) guessedReleases_.press(key.KeyNumber, Clock::now());
 }
 
 void TerminalHost::handleMenuKey(const KeyStroke& key) {

@@ -16,6 +16,7 @@
 
 #include "rvtools/host.hpp"
 #include "terminal/cell_renderer.hpp"
+#include "terminal/guessed_releases.hpp"
 #include "terminal/input_parser.hpp"
 #include "terminal/terminal_device.hpp"
 #include "terminal/window_cells.hpp"
@@ -85,6 +86,8 @@ class TerminalHost final : public InMemoryHost {
   CellRenderer renderer_;
   InputParser parser_;
   std::chrono::steady_clock::time_point lastInput_;
+  bool releasesReported_ = false;  // the terminal said it reports key releases
+  GuessedReleases guessedReleases_;
   WindowPlacement placement_;
   std::vector<UInt8> picture_;
   bool menuOpen_ = false;

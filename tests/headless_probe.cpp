@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 // A program for the tests of runHeadless: one window of 16 x 4 characters that reads a line,
-// then a key, then waits for a click and a menu choice, and prints what it got.
+// then a key, then waits for a click and a menu choice, and prints what it got. With --numbers
+// it prints eight random numbers instead.
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include "rvtools/headless.hpp"
@@ -36,8 +39,19 @@ void program() {
   t_QuitProgram(0);
 }
 
+void numbers() {
+  using namespace rvtools;
+  t_InitWindow(0, 8, 16, 4, 4, "MenloRegular 16x32.font");
+  t_Print(0, "\x0C");
+  for (int i = 0; i < 8; ++i) t_Print(0, std::to_string(t_Random(999)) + " ");
+  t_QuitProgram(0);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  return rvtools::runHeadless(argc, argv, program);
+  const bool numbersWanted = std::any_of(argv + 1, argv + argc, [](const char* argument) {
+    return argument == std::string_view("--numbers");
+  });
+  return rvtools::runHeadless(argc, argv, numbersWanted ? numbers : program);
 }

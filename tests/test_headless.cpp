@@ -34,6 +34,37 @@ TEST(HeadlessKeysTest, NamedKeysEscapesAndCharactersBecomeKeyStrokes) {
   }
 }
 
+TEST(HeadlessKeysTest, WaitsPauseBetweenKeysAndTheSeedIsAWholeNumber) {
+  std::string error;
+  const std::vector<headless::KeyStep> steps =
+      headless::keyStepsOf("a{wait 50}\\{wait 1}{Left}{wait 0}", error);
+  EXPECT_EQ(error, "");
+  ASSERT_EQ(steps.size(), 12u);
+  EXPECT_EQ(std::get<KeyStroke>(steps[0]).KeyNumber, Key::A);
+  EXPECT_EQ(std::get<headless::Pause>(steps[1]).Milliseconds, 50);
+  EXPECT_EQ(std::get<KeyStroke>(steps[2]).Characters, "{");  // an escaped brace is typed
+  EXPECT_EQ(std::get<KeyStroke>(steps[10]).KeyNumber, Key::Left);
+  EXPECT_EQ(std::get<headless::Pause>(steps[11]).Milliseconds, 0);
+  for (const std::string bad :
+       {"{wait}", "{wait -1}", "{wait 5", "{wait x}", "{wait 5}{Nothing}"}) {
+    error.clear();
+    headless::keyStepsOf(bad, error);
+    EXPECT_NE(error, "") << bad;
+  }
+
+  std::string arguments[] = {"probe", "--seed", "-7", "--keys", "x{wait 5}y", "--own"};
+  char* argv[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(),
+                  arguments[3].data(), arguments[4].data(), arguments[5].data()};
+  const headless::RunOptions options = headless::parseRunOptions(6, argv);
+  EXPECT_EQ(options.Error, "");
+  EXPECT_EQ(options.Seed, Int{-7});
+  ASSERT_EQ(options.Inputs.size(), 1u);
+  EXPECT_EQ(std::get<std::vector<headless::KeyStep>>(options.Inputs[0]).size(), 3u);
+  arguments[2] = "1e3";
+  argv[2] = arguments[2].data();
+  EXPECT_EQ(headless::parseRunOptions(3, argv).Error, "--seed takes a whole number");
+}
+
 class HeadlessRunTest : public ::testing::Test {
  protected:
   // Runs the probe with `arguments`, its log (standard output) kept in log.txt.
@@ -69,6 +100,21 @@ TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) 
   const std::string film = file("film.gif");
   EXPECT_TRUE(film.starts_with("GIF89a") && film.ends_with(";")) << film.size() << " bytes";
   EXPECT_NE(file("log.txt").find("applicationWillTerminate: Called."), std::string::npos);
+}
+
+TEST_F(HeadlessRunTest, ASeedGivesTheSameNumbersEveryRun) {
+  std::string screens[3];
+  const char* seeds[3] = {"42", "42", "43"};
+  for (int run = 0; run < 3; ++run) {
+    const std::string name = "screen" + std::to_string(run) + ".txt";
+    const CommandRun probe =
+        runProbe(std::string("--numbers --seed ") + seeds[run] + " --screen " + path(name));
+    ASSERT_EQ(probe.Status, 0) << probe.Errors;
+    screens[run] = file(name);
+  }
+  EXPECT_FALSE(screens[0].empty());
+  EXPECT_EQ(screens[0], screens[1]);
+  EXPECT_NE(screens[0], screens[2]);
 }
 
 TEST_F(HeadlessRunTest, ACommandLineItCannotFollowStopsBeforeTheProgram) {

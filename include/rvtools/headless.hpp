@@ -95,7 +95,9 @@ class HeadlessHost : public InMemoryHost {
 // The whole main of a program without a display: installs a headless host, runs the launch
 // sequence, which starts `entry` on the program thread, and returns 0 when the program has
 // ended, after the termination sequence; 2 when the command line asks for something it cannot
-// do. Once the program's first window is up it starts recording it, if asked:
+// do. Before the program starts it seeds the random numbers, if asked:
+//   --seed <n>        t_Randomize(n), so that the program draws the same numbers every run
+// Once the program's first window is up it starts recording it, if asked:
 //   --record <path>   the first window as an animated GIF (t_RecordStart) until the program
 //                     has ended
 // and types, clicks and chooses menu items as the command line says, in that order, each once
@@ -103,7 +105,8 @@ class HeadlessHost : public InMemoryHost {
 //   --keys <text>     types the text; {Left}, {Right}, {Up}, {Down}, {Home}, {End}, {PageUp},
 //                     {PageDown}, {Delete}, {Backspace}, {Return}, {Enter}, {Escape}, {Tab},
 //                     {F1}..{F12} are keys without text; \r \n \t \e (Escape) \\ \{ and
-//                     \xNN are escapes
+//                     \xNN are escapes; {wait <ms>} pauses before the next key. Each key is
+//                     held (t_KeyDown) from its press until the next key goes down
 //   --click <x>,<y>   a left click at pixel (x, y) of the first window's drawing area
 //   --menu <item>     chooses the menu item of that title
 // When the program has ended it leaves, if asked:

@@ -34,6 +34,30 @@ TEST_F(ViewTest, KeysBecomeEventsOfTheViewsWindow) {
   EXPECT_FALSE(KeyIsDown);
 }
 
+// A key held down repeats as releases and presses marked as repeats; it is released when it
+// really goes up, or when the view loses the keyboard and its release would go elsewhere.
+TEST_F(ViewTest, KeysAreHeldUntilTheyReallyGoUp) {
+  initGraphicWindow(2, 64, 48, 8, false);
+  QWidget& view = graphicWindow(2).view();
+  const auto send = [&](QEvent::Type type, bool repeat) {
+    QKeyEvent event(type, Qt::Key_D, {}, 32 + 8, 0, 0, "d", repeat);  // evdev code of D: 32
+    QCoreApplication::sendEvent(&view, &event);
+  };
+  viewKeyReleased(Key::D);
+  send(QEvent::KeyPress, false);
+  EXPECT_TRUE(t_KeyDown(Key::D));
+  send(QEvent::KeyRelease, true);
+  send(QEvent::KeyPress, true);
+  EXPECT_TRUE(t_KeyDown(Key::D));
+  send(QEvent::KeyRelease, false);
+  EXPECT_FALSE(t_KeyDown(Key::D));
+  send(QEvent::KeyPress, false);
+  QFocusEvent focusOut(QEvent::FocusOut);
+  QCoreApplication::sendEvent(&view, &focusOut);
+  EXPECT_FALSE(t_KeyDown(Key::D));
+  EventQueue.clear();
+}
+
 // Keys as an X server with a German layout delivers them: the key right of T types "z", AltGr+E
 // the euro sign, AltGr+Q "@", and the dead circumflex left of 1 comes without text.
 TEST_F(ViewTest, GermanKeysGiveTheCharactersOnTheirCaps) {

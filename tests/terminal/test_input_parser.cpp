@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The terminal host's parts: bytes as key strokes, clicks and pastes, whole or cut into single
-// bytes, with every modifier; and cells as bytes, whole frames and single changes.
+// The terminal host's parts: bytes as key strokes, key releases, clicks and pastes, whole or cut
+// into single bytes, with every modifier; releases guessed where the terminal reports none; and
+// cells as bytes, whole frames and single changes.
 #include <gtest/gtest.h>
 
 #include <cstdio>
 
 #include "rvtools/runtime.hpp"
 #include "terminal/cell_renderer.hpp"
+#include "terminal/guessed_releases.hpp"
 #include "terminal/input_parser.hpp"
 #include "terminal/utf8.hpp"
 #include "terminal/window_cells.hpp"
@@ -29,6 +31,10 @@ std::string describe(const TerminalInput& input) {
            " at " + std::to_string(mouse->Column) + "," + std::to_string(mouse->Line) + " flags " +
            std::to_string(mouse->Flags >> 16);
   }
+  if (const auto* release = std::get_if<KeyRelease>(&input)) {
+    return "release key " + std::to_string(release->KeyNumber);
+  }
+  if (std::holds_alternative<KeyReleasesReported>(input)) return "releases reported";
   return "paste " + std::get<PastedText>(input).Text;
 }
 
@@ -229,6 +235,60 @@ TEST(InputParser, BytesThatMeanNothingAreDroppedAndWhatFollowsIsRead) {
   EXPECT_EQ(
       parsed("\xC3\x1B[Dz"),
       (std::vector<std::string>{key(Key::Left, KeyCharacter::Left, Arrow), key(Key::Z, "z", 0)}));
+}
+
+// The kitty keyboard protocol: "CSI code ; modifiers:event ; text u", 1 press, 2 repeat,
+// 3 release, and the xterm forms with the event added.
+TEST(InputParser, KittyKeyEventsArePressesRepeatsAndReleases) {
+  const std::string bytes =
+      "\x1B[97;;97u\x1B[97;1:2;97u\x1B[97;1:3u\x1B[97;2;65u\x1B[115;5u\x1B[93;5u\x1B[120;3u"
+      "\x1B[13u\x1B[13;1:3u\x1B[27u\x1B[9;2u\x1B[127;1:2u\x1B[1;1:3A\x1B[3;1:2~\x1B[1;2:3P"
+      "\x1B[57404u\x1B[57414;1:3u\x1B[57419u\x1B[57427~\x1B[57441;2u\x1B[228;;228u"
+      "\x1B[0;;20013u\x1B[49;2;33u\x1B[?27u\x1B[?1u";
+  const std::vector<std::string> expected = {
+      key(Key::A, "a", 0),
+      key(Key::A, "a", 0),
+      "release key " + std::to_string(Key::A),
+      key(Key::A, "A", ShiftFlag),
+      key(Key::S, "\x13", ControlFlag),
+      key(Key::RightBracket, "\x1D", ControlFlag),  // the host's menu key, as before
+      key(Key::X, "x", OptionFlag),
+      key(Key::Return, "\r", 0),
+      "release key " + std::to_string(Key::Return),
+      key(Key::Escape, "\x1B", 0),
+      key(Key::Tab, "\x19", ShiftFlag),
+      key(Key::Backspace, "\x7F", 0),
+      "release key " + std::to_string(Key::Up),
+      key(Key::ForwardDelete, KeyCharacter::ForwardDelete, FunctionFlag),
+      "release key " + std::to_string(Key::F1),
+      key(Key::Keypad5, "5", NumericPadFlag),
+      "release key " + std::to_string(Key::KeypadEnter),
+      key(Key::Up, KeyCharacter::Up, Arrow),
+      key(Key::KeypadClear, KeyCharacter::Clear, Arrow),
+      key(Key::Unknown, U'ä', 0),
+      key(Key::Unknown, U'中', 0),
+      key(Key::Digit1, "!", ShiftFlag),  // the text of another layout, on the key of its code
+      "releases reported",
+  };
+  EXPECT_EQ(parsed(bytes), expected);
+  EXPECT_EQ(parsedByteByByte(bytes), expected);
+}
+
+TEST(GuessedReleases, AKeyGoesUpWhenItsPressesStop) {
+  using namespace std::chrono_literals;
+  const GuessedReleases::Clock::time_point start{};
+  GuessedReleases guessed;
+  EXPECT_EQ(guessed.nextRelease(), std::nullopt);
+  guessed.press(Key::A, start);
+  EXPECT_EQ(guessed.nextRelease(), start + 700ms);
+  guessed.press(Key::A, start + 650ms);  // the first repeat
+  guessed.press(Key::B, start + 700ms);
+  EXPECT_EQ(guessed.nextRelease(), start + 800ms);
+  EXPECT_TRUE(guessed.takeReleased(start + 799ms).empty());
+  EXPECT_EQ(guessed.takeReleased(start + 800ms), std::vector<Int>{Key::A});
+  guessed.press(Key::A, start + 900ms);  // pressed anew
+  EXPECT_EQ(guessed.takeReleased(start + 1400ms), std::vector<Int>{Key::B});
+  EXPECT_EQ(guessed.nextRelease(), start + 1600ms);
 }
 
 constexpr std::string_view Begin = "\x1B[?2026h";
