@@ -18,8 +18,20 @@ namespace {
 
 constexpr t_RGBColor White{255, 255, 255, 255};
 
+// A colour as one word, so that the pen is a lock-free atomic everywhere (a record of four
+// bytes is aligned to one byte, and some compilers would call a library to load it).
+constexpr std::uint32_t packed(const t_RGBColor& colour) {
+  return (std::uint32_t{colour.Alpha} << 24) | (std::uint32_t{colour.Red} << 16) |
+         (std::uint32_t{colour.Green} << 8) | colour.Blue;
+}
+
+constexpr t_RGBColor unpacked(std::uint32_t word) {
+  return {static_cast<UInt8>(word >> 24), static_cast<UInt8>(word >> 16),
+          static_cast<UInt8>(word >> 8), static_cast<UInt8>(word)};
+}
+
 struct WindowDrawings {
-  Relaxed<t_RGBColor> pen{White};
+  Relaxed<std::uint32_t> pen{packed(White)};
   std::mutex lock;
   // Guarded by `lock`: the grid of (columns + 1) x (lines + 1) cells, 1 where a cell holds a
   // drawing, and how many of the columns x lines text cells do.
@@ -69,17 +81,17 @@ std::array<WindowDrawings, GraphicWindowCount>& drawings() {
 }  // namespace
 
 t_RGBColor penOf(UInt8 window) {
-  return window < GraphicWindowCount ? drawings()[window].pen.load() : White;
+  return window < GraphicWindowCount ? unpacked(drawings()[window].pen.load()) : White;
 }
 
 void setPen(UInt8 window, const t_RGBColor& colour) {
-  if (window < GraphicWindowCount) drawings()[window].pen = colour;
+  if (window < GraphicWindowCount) drawings()[window].pen = packed(colour);
 }
 
 void resetPixelDrawings(UInt8 window, Int columns, Int lines) {
   if (window >= GraphicWindowCount) return;
   WindowDrawings& state = drawings()[window];
-  state.pen = White;
+  state.pen = packed(White);
   const bool hasCells = columns >= 1 && lines >= 1;
   std::lock_guard guard(state.lock);
   state.columns = hasCells ? columns : 0;
