@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Glyph rendering: one 16 x 32 cell per iteration at each depth, beside a memset of the bytes
-// that one cell covers.
+// that one cell covers, both as one run and row by row at the picture's stride.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -11,7 +11,10 @@
 namespace rvtools::bench {
 namespace {
 
-constexpr Int CellPixels = 16 * 32;
+constexpr Int CellWidth = 16;
+constexpr Int CellHeight = 32;
+constexpr Int CellPixels = CellWidth * CellHeight;
+constexpr Int PictureWidth = 80 * CellWidth;
 
 Int cellBytes(Int depth) {
   return CellPixels * depth / 8;
@@ -42,6 +45,25 @@ void BM_Memset(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_Memset)->Arg(64)->Arg(256)->Arg(512)->Arg(1024)->Arg(1536)->Arg(2048);
+
+// The bytes that BM_PrintSymbol writes, as they lie in the 1280 x 800 picture: 32 rows of one
+// cell's width at the depth, a row of the picture apart. This is the least that drawing a cell
+// can cost.
+void BM_MemsetCell(benchmark::State& state) {
+  const Int depth = state.range(0);
+  const auto rowBytes = static_cast<std::size_t>(CellWidth * depth / 8);
+  const auto stride = static_cast<std::size_t>(PictureWidth * depth / 8);
+  std::vector<UInt8> rows(stride * CellHeight);
+  UInt8 value = 0;
+  for (auto _ : state) {
+    ++value;
+    for (std::size_t r = 0; r < CellHeight; ++r)
+      std::memset(rows.data() + r * stride, value, rowBytes);
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(state.iterations() * cellBytes(depth));
+}
+BENCHMARK(BM_MemsetCell)->Arg(1)->Arg(4)->Arg(8)->Arg(16)->Arg(24)->Arg(32);
 
 }  // namespace
 }  // namespace rvtools::bench

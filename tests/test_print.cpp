@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Printing: glyphs at every depth, display modes and the escape, control codes, tabs, redirection,
 // title and separator lines, the control-S pause and refusals.
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <limits>
 #include <thread>
+#include <tuple>
 
 #include "common.hpp"
 
@@ -328,6 +330,109 @@ TEST_F(GlyphTest, EachDepthMixesInkAndPaperKeepsBytesItDoesNotColourAndInverts) 
   t_PrintSymbol(0, 1, 0xF0, 2, 1);
   EXPECT_EQ(picture()[1], 0x07);
   EXPECT_EQ(screenColors(0).substr(0, 5), "F0 0F");
+}
+
+// A font of width x 3 cells whose glyphs hold varied greys, pure paper and pure ink among them,
+// different for every code, width and variant.
+t_Font variedFont(Int width, int variant) {
+  t_Font font = stripeFont();
+  font.Width = width;
+  font.Height = 3;
+  std::vector<UInt8> data(static_cast<std::size_t>(256 * width * 3));
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    data[i] = i % 7 == 0 ? 255 : i % 5 == 0 ? 0 : static_cast<UInt8>(i * 53 + width + variant);
+  }
+  font.Data = SharedBytes(std::move(data));
+  return font;
+}
+
+int mixed(int ink, int paper, int grey) {
+  return ink * grey / 255 + (255 - grey) * paper / 255;
+}
+
+int paletteGrey(int n) {
+  return (PaletteRed[n] + PaletteGreen[n] + PaletteBlue[n]) / 3;
+}
+
+// The palette colour nearest to a mix: a grey by its sum, other colours by the squared distance,
+// the lower number of two as near.
+int nearestColour(int red, int green, int blue) {
+  if (red == green && green == blue) {
+    const int sum = 3 * red;
+    return sum < 192 ? 0 : sum <= 383 ? 5 : sum < 576 ? 10 : 15;
+  }
+  int best = 65535, choice = 0;
+  for (int n = 0; n < 16; ++n) {
+    const int dr = red - PaletteRed[n], dg = green - PaletteGreen[n], db = blue - PaletteBlue[n];
+    const int distance = dr * dr + dg * dg + db * db;
+    if (distance < best) {
+      best = distance;
+      choice = n;
+    }
+  }
+  return choice;
+}
+
+// Pixel (x, y) of a picture `width` pixels wide at `depth`, set to grey `grey` of ink f on
+// paper b, one pixel at a time.
+void drawReferencePixel(UInt8* m, Int depth, Int width, Int x, Int y, int f, int b, int grey) {
+  const int red = mixed(PaletteRed[f], PaletteRed[b], grey);
+  const int green = mixed(PaletteGreen[f], PaletteGreen[b], grey);
+  const int blue = mixed(PaletteBlue[f], PaletteBlue[b], grey);
+  const auto level = static_cast<UInt8>(mixed(paletteGrey(f), paletteGrey(b), grey));
+  const Int p = y * width + x;
+  if (depth == 1) {
+    UInt8& byte = m[y * (width / 8) + x / 8];
+    const int bit = 0x80 >> (x % 8);
+    byte = static_cast<UInt8>((red + green + blue) / 3 >= 128 ? byte | bit : byte & ~bit);
+  } else if (depth == 4) {
+    UInt8& byte = m[y * (width / 2) + x / 2];
+    const int colour = nearestColour(red, green, blue);
+    byte = static_cast<UInt8>(x % 2 == 0 ? (byte & 0x0F) | colour << 4 : (byte & 0xF0) | colour);
+  } else if (depth == 8 || depth == 16) {
+    m[p * depth / 8 + depth / 16] = level;
+  } else {
+    UInt8* pixel = m + p * depth / 8 + depth / 32;
+    pixel[0] = static_cast<UInt8>(red), pixel[1] = static_cast<UInt8>(green);
+    pixel[2] = static_cast<UInt8>(blue);
+  }
+}
+
+TEST_F(GlyphTest, CellsPrintedAgainEqualThePixelByPixelDrawingAtEveryDepthAndPlace) {
+  // Cells 5 pixels wide start at every bit of a byte; cells 16 wide, in two fonts of that size,
+  // have the usual row lengths. Each cell is printed over once, and the codes and colours repeat,
+  // so that most prints use a cell drawn before. Every other cell keeps the pattern, and every
+  // byte of the window's block is compared, so that a cell that reaches too far shows.
+  const std::vector<std::tuple<UInt8, UInt8>> prints = {{'A', 0x12}, {'B', 0xF0}, {'A', 0x12},
+                                                        {'A', 0x5A}, {7, 0x3C},   {'B', 0xF0}};
+  for (const Int depth : {1, 4, 8, 16, 24, 32}) {
+    for (const t_Font& font : {variedFont(5, 0), variedFont(16, 0), variedFont(16, 1)}) {
+      const Int fontWidth = font.Width;
+      t_InitWindow(0, depth, false, 80, 6, 0, 0, font, true);
+      UInt8* memory = &VideoMemory[Windows[0].MemoryStart];
+      const Int bytes = Windows[0].MemoryEnd - Windows[0].MemoryStart + 1;
+      for (Int a = 0; a < bytes; ++a) memory[a] = static_cast<UInt8>(a * 151 + 9);
+      std::vector<UInt8> expected(memory, memory + bytes);
+      Int turn = 0;
+      for (Int line = 1; line <= 2; ++line) {
+        for (Int column = line; column <= 80 / fontWidth; column += 2, ++turn) {
+          for (Int again = 0; again < 2; ++again) {
+            const auto [code, colours] = prints[(turn + again) % prints.size()];
+            t_PrintSymbol(0, code, colours, column, line);
+            for (Int i = 0; i < fontWidth * 3; ++i) {
+              drawReferencePixel(expected.data(), depth, 80,
+                                 (column - 1) * fontWidth + i % fontWidth,
+                                 (line - 1) * 3 + i / fontWidth, colours >> 4, colours & 15,
+                                 font.Data[(code * fontWidth * 3) + i]);
+            }
+          }
+        }
+      }
+      const auto firstDifference = std::mismatch(expected.begin(), expected.end(), memory).first;
+      EXPECT_EQ(firstDifference - expected.begin(), bytes)
+          << depth << " bits, cells " << fontWidth << " wide";
+    }
+  }
 }
 
 TEST_F(GlyphTest, SkippedDrawingStillRecordsTheCell) {

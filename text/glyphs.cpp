@@ -2,8 +2,8 @@
 // Glyph rendering: t_PrintSymbol draws one character cell of a graphic window and records the
 // character and its colour byte in the window's text memory. Every other text operation ends
 // here. The glyph's grey values mix the foreground and the background colour of the palette;
-// the mixes of every colour pair are computed once, and at the byte-per-channel depths 8 and 24
-// a rendered cell is kept per thread, so that printing a known character is a row-by-row copy.
+// the mixes of every colour pair are computed once, and a rendered cell is kept per thread in
+// the depth's own format, so that printing a known character moves whole rows.
 // The cells that t_PrintSymbol accepts are also what the runs of text/cells.hpp go over.
 #include <algorithm>
 #include <array>
@@ -15,6 +15,7 @@
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
 #include "runtime/pixel_drawings.hpp"
+#include "runtime/processor.hpp"
 #include "runtime/utilities.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
@@ -96,68 +97,9 @@ void drawWholeBytes(const Cell& cell, const UInt8* glyph, const std::array<Shade
   }
 }
 
-// A cell rendered once for a font, character, colour byte and depth, kept so that the next
-// print of the same cell is a copy of its rows. The entry holds the font's data, so the data
-// cannot be freed and its address reused while the entry exists.
-struct RenderedCell {
-  std::shared_ptr<const std::vector<UInt8>> fontData;
-  Int glyphWidth = 0, glyphHeight = 0, bytesPerPixel = 0;
-  UInt8 character = 0, colours = 0;
-  std::vector<UInt8> rows;
-};
-
-constexpr std::size_t RenderedCellSlots = 4096;
-
-RenderedCell& renderedCellSlot(UInt8 character, UInt8 colours) {
-  thread_local std::vector<RenderedCell> slots(RenderedCellSlots);
-  const std::size_t key = (std::size_t{colours} << 8) | character;
-  return slots[(key * 2654435761u >> 8) % RenderedCellSlots];
-}
-
-// Copies rows of a fixed length in 16-byte moves. Cells 16 pixels wide, the usual width, take
-// this path; left to itself the compiler copies such short rows with a slow string move.
-template <Int rowBytes>
-void copyRows(UInt8* out, Int stride, const UInt8* rows, Int count) {
-  static_assert(rowBytes % 16 == 0);
-  for (Int r = 0; r < count; ++r) {
-    for (Int k = 0; k < rowBytes; k += 16)
-      std::memcpy(out + r * stride + k, rows + r * rowBytes + k, 16);
-  }
-}
-
-template <int bytesPerPixel>
-void drawCopied(const Cell& cell, const t_Font& font, UInt8 character, UInt8 colours,
-                const UInt8* glyph) {
-  RenderedCell& slot = renderedCellSlot(character, colours);
-  const Int rowBytes = cell.glyphWidth * bytesPerPixel;
-  if (slot.fontData != font.Data.shared() || slot.character != character ||
-      slot.colours != colours || slot.bytesPerPixel != bytesPerPixel ||
-      slot.glyphWidth != cell.glyphWidth || slot.glyphHeight != cell.glyphHeight) {
-    slot = {font.Data.shared(),
-            cell.glyphWidth,
-            cell.glyphHeight,
-            bytesPerPixel,
-            character,
-            colours,
-            std::vector<UInt8>(rowBytes * cell.glyphHeight)};
-    const Cell scratch{slot.rows.data(), cell.glyphWidth, 0, 0, cell.glyphWidth, cell.glyphHeight};
-    drawWholeBytes<bytesPerPixel>(scratch, glyph, shades()[colours]);
-  }
-  UInt8* out = cell.memory + (cell.y0 * cell.width + cell.x0) * bytesPerPixel;
-  const Int stride = cell.width * bytesPerPixel;
-  if (rowBytes == 16 * bytesPerPixel) {
-    copyRows<16 * bytesPerPixel>(out, stride, slot.rows.data(), cell.glyphHeight);
-  } else {
-    for (Int r = 0; r < cell.glyphHeight; ++r) {
-      std::memcpy(out + r * stride, slot.rows.data() + r * rowBytes,
-                  static_cast<std::size_t>(rowBytes));
-    }
-  }
-}
-
-void drawGlyph(Int depth, const Cell& cell, const t_Font& font, UInt8 character, UInt8 colours) {
-  const UInt8* glyph = font.Data.data() + character * cell.glyphWidth * cell.glyphHeight;
-  const auto& shade = shades()[colours];
+// Draws the cell pixel by pixel, straight from the glyph's grey values.
+void drawPixelByPixel(Int depth, const Cell& cell, const UInt8* glyph,
+                      const std::array<Shade, 256>& shade) {
   switch (depth) {
     case 1:
       drawOneBit(cell, glyph, shade);
@@ -166,19 +108,217 @@ void drawGlyph(Int depth, const Cell& cell, const t_Font& font, UInt8 character,
       drawFourBit(cell, glyph, shade);
       break;
     case 8:
-      drawCopied<1>(cell, font, character, colours, glyph);
+      drawWholeBytes<1>(cell, glyph, shade);
       break;
     case 16:
       drawWholeBytes<2>(cell, glyph, shade);
       break;
     case 24:
-      drawCopied<3>(cell, font, character, colours, glyph);
+      drawWholeBytes<3>(cell, glyph, shade);
       break;
     case 32:
       drawWholeBytes<4>(cell, glyph, shade);
       break;
     default:
       break;
+  }
+}
+
+// Where a cell's rows lie in the graphic memory: the first byte of the top row, the bytes from
+// one row to the next, the bytes that a row touches, and at depths 1 and 4 the place of the
+// cell's first pixel inside its byte (its phase), other than 0 when the font's width is no
+// multiple of a byte's pixels.
+struct RowLayout {
+  Int start, stride, rowBytes, phase;
+};
+
+RowLayout rowLayout(Int depth, const Cell& cell) {
+  if (depth == 1 || depth == 4) {
+    const Int perByte = 8 / depth;
+    const Int phase = cell.x0 % perByte;
+    const Int stride = cell.width / perByte;
+    return {cell.y0 * stride + cell.x0 / perByte, stride,
+            (phase + cell.glyphWidth + perByte - 1) / perByte, phase};
+  }
+  const Int bytes = depth / 8;
+  const Int stride = cell.width * bytes;
+  return {cell.y0 * stride + cell.x0 * bytes, stride, cell.glyphWidth * bytes, 0};
+}
+
+// Marks the bits of a row that drawing the cell leaves as they are: at depths 1 and 4 the
+// pixels of its edge bytes that lie outside the cell, at depths 16 and 32 the first byte of
+// every pixel.
+void markKeptBits(UInt8* keep, Int depth, const RowLayout& layout, Int glyphWidth) {
+  if (depth == 1 || depth == 4) {
+    const Int perByte = 8 / depth;
+    for (Int p = 0; p < layout.rowBytes * perByte; ++p) {
+      if (p >= layout.phase && p < layout.phase + glyphWidth) continue;
+      keep[p / perByte] |= ((1 << depth) - 1) << (8 - depth * (p % perByte + 1));
+    }
+  } else if (depth == 16 || depth == 32) {
+    for (Int k = 0; k < layout.rowBytes; k += depth / 8) keep[k] = 0xFF;
+  }
+}
+
+// A cell rendered once for a font, character, colour byte, depth and phase, in the graphic
+// memory's own format, so that the next print of the same cell moves whole rows. When the row
+// of marks after the cell's rows marks bits that the cell does not colour, the rows are merged
+// into the picture rather than copied over it. The entry holds the font's data, so the data cannot
+// be freed and its address reused while the entry exists. Its fields fill one cache line, which a
+// print reads besides the rows.
+struct alignas(64) RenderedCell {
+  std::shared_ptr<const std::vector<UInt8>> fontData;
+  std::vector<UInt8> rows;  // glyphHeight rows of rowBytes, then the row of marks
+  std::int32_t glyphWidth = 0, glyphHeight = 0, rowBytes = 0;
+  UInt8 depth = 0, phase = 0, character = 0, colours = 0;
+  bool merged = false;  // whether the marks hold any bit
+
+  const UInt8* keep() const { return rows.data() + rowBytes * glyphHeight; }
+};
+
+// Each drawing thread keeps its own slots, so the cache is never shared. A slot holds at most
+// RenderedCellLargest bytes of rows, a 16 x 32 cell at 32 bits, and one row of marks; larger
+// cells are drawn pixel by pixel. A drawing thread's cache thus takes 256 KiB of slots and, for
+// 16 x 32 cells, at most 8 MiB of rows and 256 KiB of marks, filled only as different cells are
+// printed.
+constexpr std::size_t RenderedCellSlots = 4096;
+constexpr Int RenderedCellLargest = 2048;
+
+RenderedCell& renderedCellSlot(UInt8 character, UInt8 colours, Int depth, Int phase) {
+  thread_local std::vector<RenderedCell> slots(RenderedCellSlots);
+  const auto key = static_cast<std::size_t>((depth * 8 + phase) << 16 | colours << 8 | character);
+  return slots[(key * 2654435761u >> 8) % RenderedCellSlots];
+}
+
+bool holdsCell(const RenderedCell& slot, const t_Font& font, UInt8 character, UInt8 colours,
+               Int depth, Int phase) {
+  return slot.fontData == font.Data.shared() && slot.character == character &&
+         slot.colours == colours && slot.depth == depth && slot.phase == phase &&
+         slot.glyphWidth == font.Width && slot.glyphHeight == font.Height;
+}
+
+const RenderedCell& renderedCell(Int depth, const RowLayout& layout, const t_Font& font,
+                                 UInt8 character, UInt8 colours, const UInt8* glyph) {
+  RenderedCell& slot = renderedCellSlot(character, colours, depth, layout.phase);
+  if (holdsCell(slot, font, character, colours, depth, layout.phase)) return slot;
+  // The sizes fit: a cell with more than RenderedCellLargest bytes of rows is never kept.
+  slot.fontData = font.Data.shared();
+  slot.glyphWidth = static_cast<std::int32_t>(font.Width);
+  slot.glyphHeight = static_cast<std::int32_t>(font.Height);
+  slot.rowBytes = static_cast<std::int32_t>(layout.rowBytes);
+  slot.depth = static_cast<UInt8>(depth), slot.phase = static_cast<UInt8>(layout.phase);
+  slot.character = character, slot.colours = colours;
+  slot.rows.assign(static_cast<std::size_t>(layout.rowBytes * (font.Height + 1)), 0);
+  UInt8* keep = slot.rows.data() + layout.rowBytes * font.Height;
+  markKeptBits(keep, depth, layout, font.Width);
+  slot.merged = std::any_of(keep, keep + layout.rowBytes, [](UInt8 b) { return b != 0; });
+  // The rows form a picture of one cell's width, the cell at the same phase inside it.
+  const Cell scratch{slot.rows.data(), layout.rowBytes * 8 / depth, layout.phase, 0, font.Width,
+                     font.Height};
+  drawPixelByPixel(depth, scratch, glyph, shades()[colours]);
+  return slot;
+}
+
+// Sixteen bytes that the compiler keeps in one vector register, and 32 under AVX2.
+using Bytes16 = UInt8 __attribute__((vector_size(16)));
+using Bytes32 = UInt8 __attribute__((vector_size(32)));
+
+// Writes the cell's rows `stride` bytes apart in `pieces` pieces of a fixed type, so that each
+// row moves through a few registers; left to itself the compiler copies such short rows with a
+// slow string move. A merged row keeps the picture's bits that `keep` marks.
+template <typename Piece, int pieces, bool merge>
+[[gnu::always_inline]] inline void moveRows(UInt8* out, Int stride, const RenderedCell& cell) {
+  constexpr Int size = sizeof(Piece);
+  const UInt8* in = cell.rows.data();
+  Piece keep[pieces];
+  if constexpr (merge) {
+    for (int k = 0; k < pieces; ++k) std::memcpy(&keep[k], cell.keep() + k * size, size);
+  }
+  const Int height = cell.glyphHeight;
+  for (Int r = 0; r < height; ++r, out += stride, in += size * pieces) {
+    for (int k = 0; k < pieces; ++k) {
+      Piece ink;
+      std::memcpy(&ink, in + k * size, size);
+      if constexpr (merge) {
+        Piece old;
+        std::memcpy(&old, out + k * size, size);
+        ink |= old & keep[k];
+      }
+      std::memcpy(out + k * size, &ink, size);
+    }
+  }
+}
+
+// Each row length moves in a function of its own: inside t_PrintSymbol its loop would lose the
+// stride and the row count to the stack.
+template <typename Piece, int pieces, bool merge>
+[[gnu::noinline]] void writeRows(UInt8* out, Int stride, const RenderedCell& cell) {
+  moveRows<Piece, pieces, merge>(out, stride, cell);
+}
+
+#if defined(__x86_64__)
+// Rows of 32 and 64 bytes in 32-byte pieces, half the moves; a merge is most of the work of
+// depths 16 and 32.
+template <int pieces, bool merge>
+__attribute__((target("avx2"))) void writeRowsAvx2(UInt8* out, Int stride,
+                                                   const RenderedCell& cell) {
+  moveRows<Bytes32, pieces, merge>(out, stride, cell);
+}
+#endif
+
+// Rows of any other length, a byte at a time.
+template <bool merge>
+void writeRowBytes(UInt8* out, Int stride, const RenderedCell& cell) {
+  const UInt8* in = cell.rows.data();
+  const UInt8* keep = cell.keep();
+  for (Int r = 0; r < cell.glyphHeight; ++r, out += stride, in += cell.rowBytes) {
+    for (Int k = 0; k < cell.rowBytes; ++k) {
+      out[k] = merge ? static_cast<UInt8>((out[k] & keep[k]) | in[k]) : in[k];
+    }
+  }
+}
+
+// The row lengths of a cell 16 pixels wide, the usual width, at depths 1, 4, 8, 16, 24, 32.
+template <bool merge>
+void writeCell(UInt8* out, Int stride, const RenderedCell& cell) {
+  switch (cell.rowBytes) {
+    case 2:
+      return writeRows<std::uint16_t, 1, merge>(out, stride, cell);
+    case 8:
+      return writeRows<std::uint64_t, 1, merge>(out, stride, cell);
+    case 16:
+      return writeRows<Bytes16, 1, merge>(out, stride, cell);
+    case 32:
+#if defined(__x86_64__)
+      if (hasAvx2()) return writeRowsAvx2<1, merge>(out, stride, cell);
+#endif
+      return writeRows<Bytes16, 2, merge>(out, stride, cell);
+    case 48:
+      return writeRows<Bytes16, 3, merge>(out, stride, cell);
+    case 64:
+#if defined(__x86_64__)
+      if (hasAvx2()) return writeRowsAvx2<2, merge>(out, stride, cell);
+#endif
+      return writeRows<Bytes16, 4, merge>(out, stride, cell);
+    default:
+      return writeRowBytes<merge>(out, stride, cell);
+  }
+}
+
+void drawGlyph(Int depth, const Cell& cell, const t_Font& font, UInt8 character, UInt8 colours) {
+  if (!isSupportedDepth(depth)) return;
+  const UInt8* glyph = font.Data.data() + character * cell.glyphWidth * cell.glyphHeight;
+  const RowLayout layout = rowLayout(depth, cell);
+  if (layout.rowBytes * cell.glyphHeight > RenderedCellLargest) {
+    drawPixelByPixel(depth, cell, glyph, shades()[colours]);
+    return;
+  }
+  const RenderedCell& rendered = renderedCell(depth, layout, font, character, colours, glyph);
+  UInt8* out = cell.memory + layout.start;
+  if (rendered.merged) {
+    writeCell<true>(out, layout.stride, rendered);
+  } else {
+    writeCell<false>(out, layout.stride, rendered);
   }
 }
 
