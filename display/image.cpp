@@ -18,6 +18,7 @@
 #include "runtime/checks.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/log.hpp"
+#include "runtime/processor.hpp"
 #include "rvtools/display.hpp"
 #include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
@@ -73,8 +74,9 @@ int packedValue(const UInt8* memory, Int p, Int x) {
 // Depths 1 and 4 pack 8 or 2 pixels into a byte, the leftmost in the high bits. A pixel's bits
 // are chosen by its column x. When the width is a multiple of the pixels a byte, every row
 // starts on a byte boundary, and the picture converts a whole byte at a time through a table.
+// The pixels before `first`, a multiple of 8, are already converted.
 template <PixelOrder order, int bits>
-void composePacked(const Picture& picture, UInt8* out) {
+void composePacked(Int first, const Picture& picture, UInt8* out) {
   constexpr int perByte = 8 / bits, mask = (1 << bits) - 1;
   std::uint32_t colours[16];
   for (int value = 0; value <= mask; ++value) {
@@ -87,27 +89,21 @@ void composePacked(const Picture& picture, UInt8* out) {
         table[byte][i] = colours[(byte >> (8 - bits * (i + 1))) & mask];
     }
     const Int bytes = picture.width * picture.height / perByte;
-    for (Int i = 0; i < bytes; ++i) {
+    for (Int i = first / perByte; i < bytes; ++i) {
       std::memcpy(out + 4 * perByte * i, table[picture.memory[i]], sizeof table[0]);
     }
     return;
   }
-  for (Int y = 0; y < picture.height; ++y) {
-    for (Int x = 0; x < picture.width; ++x) {
-      const Int p = y * picture.width + x;
-      storePixel(out, p, colours[packedValue<bits>(picture.memory, p, x)]);
-    }
+  const Int pixels = picture.width * picture.height;
+  for (Int p = first; p < pixels; ++p) {
+    storePixel(out, p, colours[packedValue<bits>(picture.memory, p, p % picture.width)]);
   }
 }
 
 #if defined(__x86_64__)
-// With AVX2 the byte-per-channel depths convert eight pixels a step: each 16-byte lane holds
+// With AVX2 a step converts eight pixels. At the byte-per-channel depths each 16-byte lane holds
 // four source pixels, one byte shuffle places their red, green and blue bytes in four output
-// words, and a mask sets alpha. The processor is asked once whether it has AVX2.
-bool hasAvx2() {
-  static const bool supported = __builtin_cpu_supports("avx2");
-  return supported;
-}
+// words, and a mask sets alpha; depth 4 looks its nibbles up in the palette.
 
 // The shuffle for four pixels a lane, `size` bytes apart, with red, green and blue at the given
 // byte offsets; -1 selects a zero byte, which the alpha mask fills.
@@ -187,6 +183,35 @@ __attribute__((target("avx2"))) Int fourByteAvx2(const Picture& picture, UInt8* 
   }
   return p;
 }
+
+// Depth 4 converts eight pixels, four bytes, a step: every 32-bit lane takes the four bytes and
+// shifts its own nibble down, and the nibble picks its palette word from two registers of
+// eight words, its bit 3 choosing the register. Rows must start on byte boundaries.
+template <PixelOrder order>
+__attribute__((target("avx2"))) Int fourBitsAvx2(const Picture& picture, UInt8* out) {
+  if (picture.width % 2 != 0) return 0;
+  alignas(32) std::uint32_t words[16];
+  for (int n = 0; n < 16; ++n) words[n] = paletteWord<order>(n);
+  const __m256i low = _mm256_load_si256(reinterpret_cast<const __m256i*>(words));
+  const __m256i high = _mm256_load_si256(reinterpret_cast<const __m256i*>(words + 8));
+  // The four bytes load little-endian: pixel 0 is the high nibble of the lowest byte.
+  const __m256i shifts = _mm256_setr_epi32(4, 0, 12, 8, 20, 16, 28, 24);
+  const __m256i nibble = _mm256_set1_epi32(15);
+  const Int pixels = picture.width * picture.height;
+  Int p = 0;
+  for (; p + 8 <= pixels; p += 8) {
+    std::int32_t four;
+    std::memcpy(&four, picture.memory + p / 2, 4);
+    const __m256i values =
+        _mm256_and_si256(_mm256_srlv_epi32(_mm256_set1_epi32(four), shifts), nibble);
+    const __m256 fromLow = _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(low, values));
+    const __m256 fromHigh = _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(high, values));
+    const __m256 highChosen = _mm256_castsi256_ps(_mm256_slli_epi32(values, 28));
+    const __m256i chosen = _mm256_castps_si256(_mm256_blendv_ps(fromLow, fromHigh, highChosen));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 4 * p), chosen);
+  }
+  return p;
+}
 #endif
 
 // The number of leading pixels that a vector path converted (0 without one).
@@ -195,6 +220,8 @@ Int composeVectorised([[maybe_unused]] const Picture& picture, [[maybe_unused]] 
 #if defined(__x86_64__)
   if (!hasAvx2()) return 0;
   switch (picture.depth) {
+    case 4:
+      return fourBitsAvx2<order>(picture, out);
     case 8:
       return greyEightBitsAvx2<order>(picture, out);
     case 16:
@@ -267,10 +294,10 @@ template <PixelOrder order>
 void compose(const Picture& picture, UInt8* out) {
   switch (picture.depth) {
     case 1:
-      composePacked<order, 1>(picture, out);
+      composePacked<order, 1>(0, picture, out);
       break;
     case 4:
-      composePacked<order, 4>(picture, out);
+      composePacked<order, 4>(composeVectorised<order>(picture, out), picture, out);
       break;
     case 8:
       composeGrey<order, 1, 0>(composeVectorised<order>(picture, out), picture, out);
