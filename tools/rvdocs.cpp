@@ -9,6 +9,8 @@
 //   <folder>/images/characters.png    the 256 codes of the regular font
 //   <folder>/images/lores-grid.png    the low-resolution grid: two points a cell
 //   <folder>/images/lores-modes.png   one shape in the four lo-res modes
+//   <folder>/images/pixel-shapes.png  what each pixel operation draws
+//   <folder>/images/pixels-and-text.png  a drawing, and the cells a print repaints over it
 //   <folder>/character-codes.md       the Unicode character each code shows
 //
 // The build runs it into build/manual; a test compares those files with docs/manual.
@@ -36,6 +38,10 @@ constexpr UInt8 Grey = 10;
 constexpr UInt8 Black = 0;
 constexpr UInt8 Yellow = 13;
 constexpr UInt8 Blue = 6;
+constexpr UInt8 SkyBlue = 7;
+constexpr UInt8 Orange = 9;
+constexpr UInt8 Pink = 11;
+constexpr UInt8 Green = 12;
 constexpr const char* HexDigits = "0123456789ABCDEF";
 
 UInt8 colourByte(UInt8 ink, UInt8 paper) {
@@ -148,6 +154,50 @@ bool drawLoResModes(const std::filesystem::path& images) {
   return save(images / "lores-modes.png");
 }
 
+// Six panels of 8 x 4 cells with their operation's name below: lines, a rectangle, a filled
+// one, a circle, a filled one, and a triangle with a circle inside, the region between them
+// filled.
+bool drawPixelShapes(const std::filesystem::path& images) {
+  openWindow(48, 5);
+  constexpr const char* Labels[] = {"HLine", "HRect", "filled", "HCircle", "filled", "HFill"};
+  for (Int panel = 0; panel < 6; ++panel) {
+    const std::string label = Labels[panel];
+    write(8 * panel + 1 + (8 - static_cast<Int>(label.size())) / 2, 5, label,
+          colourByte(Grey, Black));
+  }
+  rvtools::t_HColor(Window, Yellow);
+  constexpr Int LineEnds[][2] = {{116, 16}, {116, 64}, {116, 112}, {64, 16}, {12, 16}};
+  for (const auto& [x, y] : LineEnds) rvtools::t_HLine(Window, 12, 112, x, y);
+  rvtools::t_HRect(Window, 128 + 16, 24, 128 + 112, 104, false);
+  rvtools::t_HColor(Window, SkyBlue);
+  rvtools::t_HRect(Window, 256 + 16, 24, 256 + 112, 104, true);
+  rvtools::t_HColor(Window, Yellow);
+  rvtools::t_HCircle(Window, 384 + 64, 64, 46, false);
+  rvtools::t_HColor(Window, Orange);
+  rvtools::t_HCircle(Window, 512 + 64, 64, 46, true);
+  rvtools::t_HColor(Window, White);
+  rvtools::t_HLine(Window, 640 + 8, 116, 640 + 64, 12);
+  rvtools::t_HLine(Window, 640 + 64, 12, 640 + 120, 116);
+  rvtools::t_HLine(Window, 640 + 120, 116, 640 + 8, 116);
+  rvtools::t_HCircle(Window, 640 + 64, 80, 18, false);
+  rvtools::t_HColor(Window, Green);
+  rvtools::t_HFill(Window, 640 + 64, 108);
+  return save(images / "pixel-shapes.png");
+}
+
+// The same filled circle twice; over the second, a line of text printed across it repaints
+// its cells from their glyphs, paper and all.
+bool drawPixelsAndText(const std::filesystem::path& images) {
+  openWindow(40, 5);
+  write(7, 5, "drawn", colourByte(Grey, Black));
+  write(23, 5, "then printed", colourByte(Grey, Black));
+  rvtools::t_HColor(Window, Pink);
+  rvtools::t_HCircle(Window, 160, 72, 56, true);
+  rvtools::t_HCircle(Window, 480, 72, 56, true);
+  write(25, 2, "printed", colourByte(White, Black));
+  return save(images / "pixels-and-text.png");
+}
+
 // A backslash before every ASCII punctuation character keeps it literal in Markdown.
 std::string markdownCell(char32_t character) {
   constexpr std::string_view Punctuation = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
@@ -188,8 +238,8 @@ bool drawEverything(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(images, error);
   return drawPalette(images) && drawSwatches(images) && drawCharacters(images) &&
-         drawLoResGrid(images) && drawLoResModes(images) &&
-         writeCharacterTable(folder / "character-codes.md");
+         drawLoResGrid(images) && drawLoResModes(images) && drawPixelShapes(images) &&
+         drawPixelsAndText(images) && writeCharacterTable(folder / "character-codes.md");
 }
 
 }  // namespace
