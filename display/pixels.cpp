@@ -25,6 +25,7 @@
 #include "runtime/log.hpp"
 #include "runtime/picture_versions.hpp"
 #include "runtime/pixel_drawings.hpp"
+#include "runtime/processor.hpp"
 #include "rvtools/display.hpp"
 #include "rvtools/runtime.hpp"
 #include "text/printed_codes.hpp"
@@ -200,11 +201,6 @@ Int replaceBlocksPortable(UInt8* at, Int blocks, const Block& from, const Block&
 }
 
 #if defined(__x86_64__)
-bool hasAvx2() {
-  static const bool supported = __builtin_cpu_supports("avx2");
-  return supported;
-}
-
 // The three 32-byte lanes of a block's pattern and of its mask.
 struct BlockLanes {
   __m256i pattern[3], mask[3];

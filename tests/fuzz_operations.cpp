@@ -307,6 +307,19 @@ std::string menuTitle(In& in) {
   return in.ConsumeBool() ? in.PickValueInArray(Titles) : hostileText(in);
 }
 
+// An image of up to 64 x 64 pixels of any bytes, whose stated size now and then disagrees with
+// its bytes or is hostile.
+t_Image hostileImage(In& in) {
+  t_Image image;
+  image.Width = in.ConsumeIntegralInRange<Int>(0, 64);
+  image.Height = in.ConsumeIntegralInRange<Int>(0, 64);
+  image.Pixels = in.ConsumeBytes<UInt8>(static_cast<std::size_t>(image.Width * image.Height * 4));
+  image.Pixels.resize(static_cast<std::size_t>(image.Width * image.Height * 4), 0xFF);
+  if (in.ConsumeIntegralInRange<int>(0, 7) == 0) image.Width = hostileInt(in);
+  if (in.ConsumeIntegralInRange<int>(0, 7) == 0) image.Height = hostileInt(in);
+  return image;
+}
+
 // A value of each type that operations take, drawn from the input.
 struct Draw {
   static Int of(In& in, Int) { return hostileInt(in); }
@@ -315,6 +328,7 @@ struct Draw {
   static double of(In& in, double) { return hostileDouble(in); }
   static std::string of(In& in, std::string_view) { return hostileText(in); }
   static t_MouseClick of(In& in, t_MouseClick) { return {hostileInt(in), hostileInt(in)}; }
+  static t_Image of(In& in, t_Image) { return hostileImage(in); }
 };
 
 // Calls `operation` with its arguments drawn from the input after the window number `w`, in a
@@ -359,6 +373,21 @@ constexpr void (*OfOthers[])(In&, UInt8) = {
     [](In& in, UInt8 w) { call(in, w, t_Plot); },
     [](In& in, UInt8 w) { call(in, w, t_PlotHalfSize); },
     [](In& in, UInt8 w) { call(in, w, t_PlotString); },
+    [](In& in, UInt8 w) { call(in, w, t_HColor); },
+    [](In& in, UInt8 w) { call(in, w, t_HColorRGB); },
+    [](In& in, UInt8 w) { call(in, w, t_HPlot); },
+    [](In& in, UInt8 w) { call(in, w, t_HLine); },
+    [](In& in, UInt8 w) { call(in, w, t_HRect); },
+    [](In& in, UInt8 w) { call(in, w, t_HCircle); },
+    [](In& in, UInt8 w) { call(in, w, t_HFill); },
+    [](In& in, UInt8 w) { call(in, w, t_HPixel); },
+    [](In& in, UInt8 w) { call(in, w, t_HGet); },
+    [](In& in, UInt8 w) { call(in, w, t_HPut); },
+    [](In& in, UInt8 w) {
+      const Int x = hostileInt(in), y = hostileInt(in);
+      t_HText(w, x, y, hostileText(in));
+    },
+    [](In&, UInt8 w) { t_WaitFrame(w); },
     [](In& in, UInt8 w) { call(in, w, t_LoResOffset); },
     [](In& in, UInt8 w) { call(in, w, t_Scrn); },
     [](In& in, UInt8 w) { call(in, w, t_InvertRect); },
