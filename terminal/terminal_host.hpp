@@ -89,7 +89,7 @@ class TerminalHost final : public InMemoryHost {
   bool releasesReported_ = false;  // the terminal said it reports key releases
   GuessedReleases guessedReleases_;
   WindowPlacement placement_;
-  std::vector<UInt8> picture_;
+  ComposedPicture picture_;
   bool menuOpen_ = false;
   bool programEnded_ = false;
   std::string message_;

@@ -10,6 +10,7 @@
 #include "rvtools/font_codes.hpp"
 #include "rvtools/runtime.hpp"
 #include "rvtools/window_view.hpp"
+#include "terminal/block_cells.hpp"
 
 namespace rvtools::terminal {
 namespace {
@@ -37,7 +38,59 @@ CellColour meanColour(const UInt8* pixels, Int width, Int left, Int right, Int t
                    static_cast<UInt8>(blue / count));
 }
 
-WindowPlacement drawTextWindow(const WindowView& view, CellGrid& grid, int lines) {
+// Composes the window's picture into `picture` unless it holds the window's picture at this
+// version and size already; false when there is none.
+bool composeIfChanged(const WindowView& view, ComposedPicture& picture) {
+  const std::uint64_t version = view.pictureVersion();
+  const Int width = view.width(), height = view.height();
+  if (picture.Valid && picture.Window == view.number() && picture.Version == version &&
+      picture.Width == width && picture.Height == height) {
+    return true;
+  }
+  picture.Valid = false;
+  if (width < 1 || height < 1 || width > LargestPictureSide || height > LargestPictureSide) {
+    return false;
+  }
+  picture.Pixels.resize(static_cast<std::size_t>(width * height * 4));
+  ++picture.Compositions;
+  if (!view.composePicture(picture.Pixels.data(), picture.Pixels.size(),
+                           PixelOrder::AlphaRedGreenBlue)) {
+    return false;
+  }
+  picture.Valid = true;
+  picture.Window = view.number();
+  picture.Version = version;
+  picture.Width = width;
+  picture.Height = height;
+  return true;
+}
+
+// The shown cells that hold pixel drawings, drawn over their text from the picture.
+void drawPixelCells(const WindowView& view, const WindowPlacement& placement, Int textWidth,
+                    Int textHeight, CellGrid& grid, ComposedPicture& picture) {
+  const std::vector<bool> marked = view.pixelCells();
+  // A grid of another size belongs to a window initialised anew since its cells were read.
+  if (marked.size() != static_cast<std::size_t>(textWidth * textHeight)) return;
+  bool any = false;
+  for (int line = 0; line < placement.Lines && !any; ++line) {
+    for (int column = 0; column < placement.Columns && !any; ++column) {
+      any = marked[static_cast<std::size_t>(column + line * textWidth)];
+    }
+  }
+  if (!any || !composeIfChanged(view, picture)) return;
+  const Int cellWidth = placement.CellWidth, cellHeight = placement.CellHeight;
+  if (textWidth * cellWidth > picture.Width || textHeight * cellHeight > picture.Height) return;
+  for (int line = 0; line < placement.Lines; ++line) {
+    for (int column = 0; column < placement.Columns; ++column) {
+      if (!marked[static_cast<std::size_t>(column + line * textWidth)]) continue;
+      grid.at(column, line) = blockCellOf(picture.Pixels.data(), picture.Width, column * cellWidth,
+                                          line * cellHeight, cellWidth, cellHeight);
+    }
+  }
+}
+
+WindowPlacement drawTextWindow(const WindowView& view, CellGrid& grid, int lines,
+                               ComposedPicture& picture) {
   const ScreenCells cells = view.textCells();
   if (cells.Columns < 1 || cells.Lines < 1) return {};
   WindowPlacement placement;
@@ -50,22 +103,20 @@ WindowPlacement drawTextWindow(const WindowView& view, CellGrid& grid, int lines
   placement.CellHeight = view.cellHeight();
   drawTextCells(cells.Codes.data(), cells.Colours.data(), cells.Columns, placement.Columns,
                 placement.Lines, grid);
+  drawPixelCells(view, placement, cells.Columns, cells.Lines, grid, picture);
   return placement;
 }
 
+// Composed every time, so that what a program writes straight into its video memory shows too
+// (the host draws a frame at least every PictureLifetime).
 WindowPlacement drawPixelWindow(const WindowView& view, CellGrid& grid, int lines,
-                                std::vector<UInt8>& picture) {
-  const Int width = view.width(), height = view.height();
-  if (width < 1 || height < 1 || width > LargestPictureSide || height > LargestPictureSide) {
-    return {};
-  }
-  picture.resize(static_cast<std::size_t>(width * height * 4));
-  if (!view.composePicture(picture.data(), picture.size(), PixelOrder::AlphaRedGreenBlue)) {
-    return {};
-  }
+                                ComposedPicture& picture) {
+  picture.Valid = false;
+  if (!composeIfChanged(view, picture)) return {};
+  const Int width = picture.Width, height = picture.Height;
   const int scale = pixelScale(width, height, grid.columns(), lines);
   const auto [columns, shownLines] =
-      drawHalfBlockPixels(picture.data(), width, height, scale, grid, lines);
+      drawHalfBlockPixels(picture.Pixels.data(), width, height, scale, grid, lines);
   WindowPlacement placement;
   placement.Window = view.number();
   placement.Columns = placement.FullColumns = columns;
@@ -122,10 +173,10 @@ std::pair<int, int> drawHalfBlockPixels(const UInt8* pixels, Int width, Int heig
 }
 
 WindowPlacement drawWindow(const WindowView& view, CellGrid& grid, int lines,
-                           std::vector<UInt8>& picture) {
+                           ComposedPicture& picture) {
   if (!view.ready()) return {};
   lines = std::min(lines, grid.lines());
-  return view.hasText() ? drawTextWindow(view, grid, lines)
+  return view.hasText() ? drawTextWindow(view, grid, lines, picture)
                         : drawPixelWindow(view, grid, lines, picture);
 }
 

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Internal to the terminal host: a graphic window as terminal cells. A window with text memory
 // gives one cell per text cell, its character as the font shows it (FontCodeCharacters) in
-// its colour byte's two palette colours; a window without text memory gives its picture as
-// upper-half-block cells, two pixels a cell, scaled down by a whole factor until it fits.
+// its colour byte's two palette colours, except the cells that hold pixel drawings, which are
+// drawn from its picture as quadrant blocks in two colours (blockCellOf); a window without text
+// memory gives its picture as upper-half-block cells, two pixels a cell, scaled down by a whole
+// factor until it fits.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "rvtools/types.hpp"
@@ -26,6 +29,18 @@ struct WindowPlacement {
   bool fitsWhole() const { return Columns >= FullColumns && Lines >= FullLines; }
 };
 
+// A window's picture as last composed, kept between frames: a window with text composes it
+// anew only when a cell holds pixel drawings and the picture's version or size changed.
+struct ComposedPicture {
+  std::vector<UInt8> Pixels;  // bytes alpha, red, green, blue
+  bool Valid = false;
+  UInt8 Window = 255;
+  std::uint64_t Version = 0;  // read before composing, so that a change meanwhile shows again
+  Int Width = 0;
+  Int Height = 0;
+  int Compositions = 0;  // how often composing was tried, which the tests count
+};
+
 // Palette colour `number` (0..15) as a cell colour.
 CellColour paletteCellColour(int number);
 
@@ -44,10 +59,11 @@ int pixelScale(Int width, Int height, int columns, int lines);
 std::pair<int, int> drawHalfBlockPixels(const UInt8* pixels, Int width, Int height, int scale,
                                         CellGrid& grid, int lines);
 
-// The window of `view` into the first `lines` lines of `grid`, from its text cells or its
-// picture (composed into `picture`, which is kept between frames). Nothing is drawn, and an
-// empty placement returned, for a window that is not ready or shows nothing.
+// The window of `view` into the first `lines` lines of `grid`, from its text cells (those with
+// pixel drawings from its picture) or its picture, composed into `picture`. A window without
+// text composes it every time. Nothing is drawn, and an empty placement returned, for a window
+// that is not ready or shows nothing.
 WindowPlacement drawWindow(const WindowView& view, CellGrid& grid, int lines,
-                           std::vector<UInt8>& picture);
+                           ComposedPicture& picture);
 
 }  // namespace rvtools::terminal

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The drop demo in tmux at 80 x 26 as a user meets it, and the terminal given back after the
-// program's end, the menu's Quit, a hang-up and a crash, and when the pane goes.
+// program's end, the menu's Quit, a hang-up and a crash, and when the pane goes; the plot
+// example's pixel drawings as block symbols.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -17,6 +18,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "terminal/utf8.hpp"
 
 namespace rvtools::terminal::test {
 namespace {
@@ -289,6 +292,48 @@ TEST(DemoInTmux, TheProgramEndsWithItsPane) {
     ended = processEnded(program);
   }
   EXPECT_TRUE(ended);
+}
+
+bool isQuadrantBlock(char32_t character) {
+  return character >= U'\u2580' && character <= U'\u259F';
+}
+
+// The plot example (examples/plot.cpp) at 40 x 16: its axes and curve are pixel drawings, shown
+// as quadrant blocks in the pen's colours; its title and labels stay text.
+TEST(PlotInTmux, AxesAndCurveAsBlocksAndTheLabelsAsText) {
+  TmuxSession session(std::string("env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ") +
+                          RVTOOLS_PLOT + " --terminal --log log",
+                      40, 16);
+  ASSERT_TRUE(session.waitForLine(14, "(Programm Ende)"));
+  std::vector<std::u32string> lines;
+  for (const std::string& line : session.screen()) lines.push_back(charactersOf(line));
+  ASSERT_GE(lines.size(), 14u);
+  EXPECT_EQ(lines[0], U"                y = sin x");
+  EXPECT_TRUE(lines[1].starts_with(U"1 ")) << session.screen()[1];
+  EXPECT_TRUE(lines[12].starts_with(U"-1 ")) << session.screen()[12];
+  EXPECT_EQ(lines[13], U"  -2pi              0                2pi");
+  // The x axis, pixel row 224, is the top row of line 8's cells: upper half blocks from column
+  // 3 to the end, where the curve and the ticks cross it other quadrants.
+  ASSERT_GE(lines[7].size(), 39u);
+  for (std::size_t column = 2; column < 39; ++column) {
+    EXPECT_TRUE(isQuadrantBlock(lines[7][column])) << "column " << column;
+  }
+  EXPECT_NE(lines[7].find(U"▀▀▀▀▀▀▀▀"), std::u32string::npos);
+  // The y axis, pixel column 328, in the right half of column 21 on every line from 2 to 13;
+  // the curve has blocks on each of those lines left and right of it.
+  for (std::size_t line = 1; line <= 12; ++line) {
+    SCOPED_TRACE("line " + std::to_string(line + 1));
+    ASSERT_GT(lines[line].size(), 20u);
+    EXPECT_TRUE(isQuadrantBlock(lines[line][20]));
+    EXPECT_TRUE(std::any_of(lines[line].begin() + 2, lines[line].begin() + 20, isQuadrantBlock));
+    EXPECT_TRUE(std::any_of(lines[line].begin() + 21, lines[line].end(), isQuadrantBlock));
+  }
+  // The axes in light grey, the curve in yellow, the labels in green, all on black.
+  const std::string coloured = joined(session.screen(true));
+  EXPECT_NE(coloured.find("\x1B[38;2;168;168;168m▀▀▀▀▀▀▀▀"), std::string::npos);
+  EXPECT_NE(coloured.find("\x1B[38;2;255;255;0m▄▄▄"), std::string::npos);
+  EXPECT_EQ(colourAt(coloured, "y = sin x", "38"), "0;255;0");
+  EXPECT_EQ(colourAt(coloured, "2pi", "48"), "0;0;0");
 }
 
 }  // namespace

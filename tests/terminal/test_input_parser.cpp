@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The terminal host's parts: bytes as key strokes, key releases, clicks and pastes, whole or cut
 // into single bytes, with every modifier; releases guessed where the terminal reports none; and
-// cells as bytes, whole frames and single changes.
+// cells as bytes, whole frames and single changes; pixel drawings as quadrant blocks.
 #include <gtest/gtest.h>
 
 #include <cstdio>
 
 #include "rvtools/runtime.hpp"
+#include "terminal/block_cells.hpp"
 #include "terminal/cell_renderer.hpp"
 #include "terminal/guessed_releases.hpp"
 #include "terminal/input_parser.hpp"
@@ -376,6 +377,46 @@ TEST(WindowCells, PicturesShrinkByWholeFactorsIntoHalfBlocks) {
   EXPECT_EQ(grid.at(0, 0), (Cell{U'▀', rgbColour(63, 63, 63), rgbColour(255, 255, 255)}));
   EXPECT_EQ(grid.at(1, 0), (Cell{U'▀', Black, rgbColour(255, 255, 255)}));
   EXPECT_EQ(grid.at(2, 0), Cell{});
+}
+
+// Two cells of 16 x 32 pixels side by side in `paper`; the second is drawn on and shown.
+struct TwoCells {
+  static constexpr Int Width = 32, Height = 32;
+  std::vector<UInt8> Pixels;
+  explicit TwoCells(CellColour paper) : Pixels(static_cast<std::size_t>(4 * Width * Height)) {
+    for (Int i = 0; i < Width * Height; ++i) set(i % Width, i / Width, paper);
+  }
+  void set(Int x, Int y, CellColour colour) {
+    UInt8* pixel = Pixels.data() + 4 * (y * Width + x);
+    pixel[0] = 255;
+    pixel[1] = static_cast<UInt8>(colour >> 16);
+    pixel[2] = static_cast<UInt8>(colour >> 8);
+    pixel[3] = static_cast<UInt8>(colour);
+  }
+  Cell second() const { return blockCellOf(Pixels.data(), Width, 16, 0, 16, 32); }
+};
+
+TEST(BlockCells, LinesOnePixelWideStayAsQuartersInTheirOwnColour) {
+  const CellColour paper = rgbColour(0, 0, 128), yellow = rgbColour(255, 255, 0);
+  TwoCells uniform(paper);
+  EXPECT_EQ(uniform.second(), (Cell{U' ', paper, paper}));
+  // A row at the top of the lower half, a column in the right half, a single pixel.
+  TwoCells row(paper), column(paper), point(paper);
+  for (Int x = 16; x < 32; ++x) row.set(x, 16, yellow);
+  for (Int y = 0; y < 32; ++y) column.set(24, y, yellow);
+  point.set(16, 15, yellow);
+  EXPECT_EQ(row.second(), (Cell{U'▄', yellow, paper}));
+  EXPECT_EQ(column.second(), (Cell{U'▐', yellow, paper}));
+  EXPECT_EQ(point.second(), (Cell{U'▘', yellow, paper}));
+  // The first cell, all paper, plays no part; the ink is the mean of what differs from paper.
+  TwoCells two(paper);
+  two.set(16, 0, rgbColour(255, 0, 0));
+  two.set(31, 31, rgbColour(0, 255, 0));
+  EXPECT_EQ(two.second(), (Cell{U'▚', rgbColour(127, 127, 0), paper}));
+  // Most pixels are the paper, whatever colour they are.
+  TwoCells filled(yellow);
+  filled.set(31, 0, paper);
+  EXPECT_EQ(filled.second(), (Cell{U'▝', paper, yellow}));
 }
 
 }  // namespace
