@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace rvtools::terminal {
@@ -21,41 +22,38 @@ std::uint32_t colourAt(const UInt8* pixels, Int width, Int x, Int y) {
   return rgbColour(pixel[1], pixel[2], pixel[3]);
 }
 
-// The colour most pixels of the area have; of equally frequent ones the smallest value. A
-// drawing's cell holds a few colours, so they are counted in a small table; a cell of more
-// colours than it holds (a picture put with t_HPut) is sorted.
-std::uint32_t mostFrequentColour(const UInt8* pixels, Int width, Int left, Int top, Int cellWidth,
-                                 Int cellHeight) {
+// The colour most pixels of the area have, counted in a small table, since a drawing's cell
+// holds a few colours; nothing when the area has more colours than the table holds. Of equally
+// frequent colours the smallest value wins.
+std::optional<std::uint32_t> mostFrequentOfFewColours(const UInt8* pixels, Int width, Int left,
+                                                      Int top, Int cellWidth, Int cellHeight) {
   constexpr std::size_t Kept = 8;
   std::array<std::uint32_t, Kept> colours{};
   std::array<Int, Kept> counts{};
   std::size_t kept = 0;
-  bool overflow = false;
-  for (Int y = top; y < top + cellHeight && !overflow; ++y) {
+  for (Int y = top; y < top + cellHeight; ++y) {
     for (Int x = left; x < left + cellWidth; ++x) {
       const std::uint32_t colour = colourAt(pixels, width, x, y);
       std::size_t slot = 0;
       while (slot < kept && colours[slot] != colour) ++slot;
-      if (slot == kept) {
-        if (kept == Kept) {
-          overflow = true;
-          break;
-        }
-        colours[kept++] = colour;
-      }
+      if (slot == Kept) return std::nullopt;
+      if (slot == kept) colours[kept++] = colour;
       ++counts[slot];
     }
   }
-  if (!overflow) {
-    std::size_t best = 0;
-    for (std::size_t slot = 1; slot < kept; ++slot) {
-      if (counts[slot] > counts[best] ||
-          (counts[slot] == counts[best] && colours[slot] < colours[best])) {
-        best = slot;
-      }
+  std::size_t best = 0;
+  for (std::size_t slot = 1; slot < kept; ++slot) {
+    if (counts[slot] > counts[best] ||
+        (counts[slot] == counts[best] && colours[slot] < colours[best])) {
+      best = slot;
     }
-    return colours[best];
   }
+  return colours[best];
+}
+
+// The same for an area of many colours (a picture put with t_HPut), by sorting them.
+std::uint32_t mostFrequentColourBySorting(const UInt8* pixels, Int width, Int left, Int top,
+                                          Int cellWidth, Int cellHeight) {
   std::vector<std::uint32_t> all;
   all.reserve(static_cast<std::size_t>(cellWidth * cellHeight));
   for (Int y = top; y < top + cellHeight; ++y) {
@@ -74,6 +72,13 @@ std::uint32_t mostFrequentColour(const UInt8* pixels, Int width, Int left, Int t
     start = end;
   }
   return best;
+}
+
+std::uint32_t mostFrequentColour(const UInt8* pixels, Int width, Int left, Int top, Int cellWidth,
+                                 Int cellHeight) {
+  if (const auto colour = mostFrequentOfFewColours(pixels, width, left, top, cellWidth, cellHeight))
+    return *colour;
+  return mostFrequentColourBySorting(pixels, width, left, top, cellWidth, cellHeight);
 }
 
 struct ColourSum {
