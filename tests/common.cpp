@@ -129,7 +129,9 @@ t_Event keyEvent(Int value) {
 
 TestFolder::TestFolder(const std::string& prefix) {
   const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-  folder_ = std::filesystem::path(::testing::TempDir()) / (prefix + test);
+  // The process number keeps apart runs of the same test from two builds at once.
+  folder_ = std::filesystem::path(::testing::TempDir()) /
+            (prefix + test + "-" + std::to_string(getpid()));
   std::filesystem::remove_all(folder_);
   std::filesystem::create_directories(folder_);
 }

@@ -51,7 +51,8 @@ Position cursorOf(UInt8 window);
 // A key event of that value, as the key handler queues it.
 t_Event keyEvent(Int value);
 
-// A folder of the running test's own (ctest runs tests side by side), removed at its end.
+// A folder of the running test's own (ctest runs tests side by side, and two builds may run the
+// same test at once), removed at its end.
 class TestFolder {
  public:
   explicit TestFolder(const std::string& prefix);

@@ -197,7 +197,8 @@ TEST_F(MenuTest, PrinterAndConsoleCollectTextUntilCleared) {
 }
 
 TEST_F(MenuTest, FilePanelActionsKeepTheChosenPathAndFilesReadWhole) {
-  const std::string path = ::testing::TempDir() + "rvtools-menus.txt";
+  const TestFolder folder("rvtools-menus-");
+  const std::string path = folder.path("rvtools-menus.txt");
   std::ofstream(path) << "10 PRINT \"HI\"\n";
   EXPECT_FALSE(t_MenuActionOf(100));
   t_AddMenuAction({100, 100, "Open a listing", "Choose a file", "", "txt", ""});
