@@ -244,10 +244,6 @@ void handleKeyDown(UInt8 window, Int keyCode, const std::string& characters, Int
   }
 }
 
-bool isScalarValue(Int value) {
-  return value >= 0 && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF);
-}
-
 // The character of a key event's value as t_GetKey returns it: a value that is no Unicode
 // scalar becomes 0.
 char32_t characterOfValue(Int value) {

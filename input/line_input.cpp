@@ -46,10 +46,6 @@ bool isDigit(char32_t c) {
   return c >= U'0' && c <= U'9';
 }
 
-bool isScalarValue(Int value) {
-  return value >= 0 && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF);
-}
-
 // Prints text at the cursor in the display mode that shows control characters.
 void printVisibly(UInt8 window, t_Window& record, const std::string& text) {
   record.TextDisplayMode = ControlsVisibleMode;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Internal: number formatting for the runtime's log lines, character counts of texts, and the
-// way back from t_Randomize's generator. The conversions between UTF-8 and Unicode scalars,
+// Internal: number formatting for the runtime's log lines, character counts of texts, whether a
+// key's value is a Unicode scalar, and the way back from t_Randomize's generator. The conversions between UTF-8 and Unicode scalars,
 // scalarsOf and utf8Of, are public (rvtools/runtime.hpp).
 #pragma once
 
@@ -18,6 +18,11 @@ std::string kilobyteText(Int bytes);
 
 // The number of Unicode scalars in UTF-8 text, counted as scalarsOf counts them.
 Int characterCount(std::string_view text);
+
+// Whether `value` is a Unicode scalar: a code point that is no surrogate.
+inline bool isScalarValue(Int value) {
+  return value >= 0 && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF);
+}
 
 // t_Random mixes the system's random source with the clock again, as before any t_Randomize.
 void useMixedRandomSource();
