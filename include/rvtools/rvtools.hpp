@@ -12,6 +12,7 @@
 //   keys.hpp        key numbers, modifier flags and the values programs receive for keys
 //   input.hpp       keys, the line input editor, mouse, menus
 //   lifecycle.hpp   video memory and window initialisation, quitting
+//   version.hpp     the version of rvtools
 // A host (rvtools/host.hpp) or a picture library (rvtools/picture.hpp) has a header of its own.
 #pragma once
 
@@ -24,3 +25,4 @@
 #include "rvtools/runtime.hpp"
 #include "rvtools/text.hpp"
 #include "rvtools/types.hpp"
+#include "rvtools/version.hpp"
