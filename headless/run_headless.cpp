@@ -3,11 +3,16 @@
 // the random numbers when asked, runs the launch sequence, starts recording the program's first
 // window once it is up, types, clicks and chooses what the command line asks for, waits for the
 // program to end, and leaves the recording and the first window's picture and screen in files
-// when asked to (run_options.hpp).
+// when asked to (run_options.hpp). Interrupted by SIGINT or SIGTERM, it leaves those files as
+// they are at that moment before it ends.
+#include <pthread.h>
+
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <fstream>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -112,11 +117,48 @@ void writeScreen(UInt8 window, const std::string& path) {
   if (!file.flush()) std::fprintf(stderr, "runHeadless: cannot write %s\n", path.c_str());
 }
 
+// Leaves the files once, whether the program's end or an interruption comes first.
 void leaveFiles(const headless::RunOptions& options) {
-  const UInt8 window = DefaultWindow;
-  if (!options.RecordPath.empty() && t_IsRecording(window)) t_RecordStop(window);
-  if (!options.PicturePath.empty()) t_SavePicture(window, options.PicturePath);
-  if (!options.ScreenPath.empty()) writeScreen(window, options.ScreenPath);
+  static std::once_flag left;
+  std::call_once(left, [&] {
+    const UInt8 window = DefaultWindow;
+    if (!options.RecordPath.empty() && t_IsRecording(window)) t_RecordStop(window);
+    if (!options.PicturePath.empty()) t_SavePicture(window, options.PicturePath);
+    if (!options.ScreenPath.empty()) writeScreen(window, options.ScreenPath);
+  });
+}
+
+// SIGINT and SIGTERM, unless the process was started with them ignored (as a shell starts a
+// job in the background without job control), which stays so.
+sigset_t interruptions() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM}) {
+    struct sigaction current {};
+    if (sigaction(signal, nullptr, &current) == 0 && current.sa_handler != SIG_IGN) {
+      sigaddset(&signals, signal);
+    }
+  }
+  return signals;
+}
+
+// Blocks the interruptions in this thread and so in every thread started after it, and waits
+// for them on a thread of its own: there, outside any signal handler, it leaves the files and
+// then ends the process by the signal's default action, so that its parent sees it interrupted.
+void leaveFilesWhenInterrupted(const headless::RunOptions& options) {
+  const sigset_t signals = interruptions();
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::thread([options, signals] {
+    int signal = 0;
+    if (sigwait(&signals, &signal) != 0) return;
+    leaveFiles(options);
+    std::signal(signal, SIG_DFL);
+    sigset_t raised;
+    sigemptyset(&raised);
+    sigaddset(&raised, signal);
+    pthread_sigmask(SIG_UNBLOCK, &raised, nullptr);
+    raise(signal);
+  }).detach();
 }
 
 }  // namespace
@@ -130,6 +172,7 @@ int runHeadless(int argc, char** argv, std::function<void()> entry) {
   static auto* host = new HeadlessHost;
   setHost(*host);
   if (options.Seed) t_Randomize(*options.Seed);
+  leaveFilesWhenInterrupted(options);
   runLaunchSequence(std::move(entry));
   startRecording(options.RecordPath);
   giveInputs(*host, options.Inputs);

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Programs run without a display: the keys, clicks and menu choices runHeadless gives them from
 // its command line, and the recording, picture and screen it leaves.
+#include <gif_lib.h>
+
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -100,6 +103,37 @@ TEST_F(HeadlessRunTest, ScriptedInputsReachTheProgramAndItsScreenIsLeftInFiles) 
   const std::string film = file("film.gif");
   EXPECT_TRUE(film.starts_with("GIF89a") && film.ends_with(";")) << film.size() << " bytes";
   EXPECT_NE(file("log.txt").find("applicationWillTerminate: Called."), std::string::npos);
+}
+
+// The frames of a GIF file as giflib reads it whole; -1 when it cannot.
+int gifFrames(const std::string& path) {
+  int error = 0;
+  GifFileType* gif = DGifOpenFileName(path.c_str(), &error);
+  if (gif == nullptr) return -1;
+  const int frames = DGifSlurp(gif) == GIF_OK ? gif->ImageCount : -1;
+  DGifCloseFile(gif, &error);
+  return frames;
+}
+
+// The probe waits for a line that never comes until the signal ends it, as Ctrl+C or a kill
+// would; `env --default-signal` undoes the ignored SIGINT of a job the shell starts behind it.
+TEST_F(HeadlessRunTest, AnInterruptionLeavesTheRecordingPictureAndScreenFinished) {
+  for (const std::string signal : {"INT", "TERM"}) {
+    const std::string files = " --screen " + path(signal + ".txt") + " --picture " +
+                              path(signal + ".png") + " --record " + path(signal + ".gif");
+    const CommandRun run =
+        runCommand("env --default-signal=INT " + std::string(RVTOOLS_HEADLESS_PROBE) + files +
+                   " > " + path("log.txt") + " & sleep 1; kill -s " + signal +
+                   " $!; wait $!; echo $? > " + path("status"));
+    ASSERT_EQ(run.Status, 0) << run.Errors;
+    EXPECT_EQ(file("status"), signal == "INT" ? "130\n" : "143\n");
+    EXPECT_GE(gifFrames(path(signal + ".gif")), 1) << signal;
+    EXPECT_TRUE(file(signal + ".txt").starts_with(">ab")) << signal;
+    EXPECT_FALSE(readPng(path(signal + ".png")).empty()) << signal;
+  }
+  for (const std::string& name : folder_.files()) {
+    EXPECT_EQ(name.find(".partial"), std::string::npos) << name;
+  }
 }
 
 TEST_F(HeadlessRunTest, ASeedGivesTheSameNumbersEveryRun) {
