@@ -3,12 +3,12 @@
 // hash table; as long as they fit into a GIF colour table (255 colours beside the transparent
 // index, or 256 when every pixel is drawn) they are kept exactly. Up to 1020 colours are kept
 // exactly in parts: part n draws the pixels of colours 255n to 255n + 254 and leaves the others
-// transparent. Beyond that giflib's median-cut quantiser (GifQuantizeBuffer) chooses the table.
+// transparent. Beyond that a median cut of our own chooses the table (median_cut.hpp).
 #include "picture/indexed_frame.hpp"
 
-#include <gif_lib.h>
-
 #include <cstring>
+
+#include "picture/median_cut.hpp"
 
 namespace rvtools::picture {
 namespace {
@@ -152,27 +152,17 @@ bool indexInParts(const PictureView& picture, const std::uint8_t* shown, const A
 bool indexQuantised(const PictureView& picture, const std::uint8_t* shown, const Area& area,
                     IndexedFrame& frame) {
   beginFrame(shown != nullptr, area, frame);
-  std::vector<GifByteType> red, green, blue;
+  std::vector<Rgb> drawn;
   forEachDrawnPixel(picture, shown, area, frame, [&](const std::uint8_t* pixel, std::uint8_t&) {
-    red.push_back(pixel[1]);
-    green.push_back(pixel[2]);
-    blue.push_back(pixel[3]);
+    drawn.push_back({pixel[1], pixel[2], pixel[3]});
     return true;
   });
   const int offset = static_cast<int>(frame.Colours.size());
-  int colourCount = TableSize - offset;
-  std::vector<GifByteType> quantised(red.size());
-  std::vector<GifColorType> table(TableSize);
-  if (GifQuantizeBuffer(static_cast<unsigned>(red.size()), 1, &colourCount, red.data(),
-                        green.data(), blue.data(), quantised.data(), table.data()) != GIF_OK) {
-    return false;
-  }
-  for (int i = 0; i < colourCount; ++i) {
-    frame.Colours.push_back({table[i].Red, table[i].Green, table[i].Blue});
-  }
+  const ColourTableOfPixels table = medianCut(drawn, TableSize - offset);
+  frame.Colours.insert(frame.Colours.end(), table.Colours.begin(), table.Colours.end());
   std::size_t next = 0;
   forEachDrawnPixel(picture, shown, area, frame, [&](const std::uint8_t*, std::uint8_t& index) {
-    index = static_cast<std::uint8_t>(quantised[next++] + offset);
+    index = static_cast<std::uint8_t>(table.Indices[next++] + offset);
     return true;
   });
   frame.Quantised = true;

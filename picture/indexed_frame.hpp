@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Internal: a rectangle of a picture as GIF pixels, colour indices into a table of at most 256
 // colours. The colours are exact whenever the rectangle needs no more than the table holds, or
-// when it may be drawn in a few parts of up to 255 colours each; only beyond that does giflib's
-// quantiser choose the table.
+// when it may be drawn in a few parts of up to 255 colours each; only beyond that does a median
+// cut choose the table.
 #pragma once
 
 #include <array>
@@ -42,7 +42,7 @@ inline constexpr int MostParts = 4;
 // The pixels of `area` of `picture` as `parts`, drawn one over the other, at most `partsAllowed`
 // of them. With `shown` (the picture the viewer shows now, of the same size) pixels that equal
 // it become transparent; without it every pixel is drawn. False when the colours cannot be kept
-// exactly and quantising is refused, or the quantiser fails.
+// exactly and quantising is refused.
 enum class Quantising { Allowed, Refused };
 bool indexFrame(const PictureView& picture, const std::uint8_t* shown, const Area& area,
                 int partsAllowed, Quantising quantising, std::vector<IndexedFrame>& parts);

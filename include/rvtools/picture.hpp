@@ -34,7 +34,7 @@ std::optional<t_Image> t_LoadPicture(const std::string& path);
 // keeps its last picture, from now until t_RecordStop or the end of the application, which finishes
 // the file. A frame is taken whenever the refresh (or t_WindowUpdate) shows a changed picture, with
 // the moment it was shown: delays add up to the time recorded. Colours are exact whenever a frame
-// has at most 256 of them (always at depths 1 to 16); beyond that giflib's quantiser chooses them.
+// has at most 256 of them (always at depths 1 to 16); beyond that a median cut chooses them.
 // Frames are encoded on a thread of the recording's own; when it falls behind, pictures are
 // dropped, never waited for. A window initialised anew at another size is cut or filled with black
 // to the size it had at the start. False, with one log line, when the window is no initialised
