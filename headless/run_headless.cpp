@@ -2,8 +2,8 @@
 // runHeadless: the whole main of a program without a display. It installs a headless host, seeds
 // the random numbers when asked, runs the launch sequence, starts recording the program's first
 // window once it is up, types, clicks and chooses what the command line asks for, waits for the
-// program to end, and leaves the recording and the first window's picture and screen in files
-// when asked to (run_options.hpp).
+// program to end, and leaves the recording, the sound and the first window's picture and screen
+// in files when asked to (run_options.hpp).
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -129,11 +129,13 @@ int runHeadless(int argc, char** argv, std::function<void()> entry) {
   }
   static auto* host = new HeadlessHost;
   setHost(*host);
+  if (!options.SoundPath.empty()) host->setSoundFile(options.SoundPath);
   if (options.Seed) t_Randomize(*options.Seed);
   runLaunchSequence(std::move(entry));
   startRecording(options.RecordPath);
   giveInputs(*host, options.Inputs);
   waitForProgramEnd();
+  host->finishSoundOutput();
   leaveFiles(options);
   runTerminationSequence();
   return 0;
