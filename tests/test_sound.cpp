@@ -28,7 +28,7 @@ class SoundTest : public RuntimeTest {
  protected:
   void TearDown() override {
     t_SoundStop();
-    t_Play("MF MN");
+    t_Play("MF MN T120 L4 O4");
     RuntimeTest::TearDown();
   }
 };
@@ -61,12 +61,14 @@ TEST_F(SoundTest, TheQueueRefusesWhatIsOutOfRangeAndDropsWhatGoesBeyondTenMinute
 }
 
 // Without audio output the queue plays silently in real time: a text says so once, and music
-// in MF takes as long as it lasts.
+// in MF waits until it and the music in MB before it have played.
 TEST_F(SoundTest, WithoutAudioOutputMusicTakesItsTimeInSilence) {
   static HeadlessHost silentHost;
   startFreshRuntime(silentHost);
   const auto start = SteadyClock::now();
-  t_Play("T240 L8 O3 CDEF");  // four eighths of a quarter second
+  t_Play("MB T240 L8 O3 CDE");
+  EXPECT_LT(millisecondsSince(start), 100);
+  t_Play("MF F");  // the fourth eighth of a quarter second
   const Int elapsed = millisecondsSince(start);
   EXPECT_GE(elapsed, 499);
   EXPECT_LT(elapsed, 700);
