@@ -52,46 +52,46 @@ class SoundQueue {
     end_ = position();
   }
 
+  // Where queued music ends on the line, and how many stops came before it.
+  struct Placement {
+    std::int64_t End = 0;
+    std::uint64_t Stops = 0;
+  };
+
   // Queues tones one after the other; what goes beyond the bound is dropped with one log line.
-  // The place on the line where the last queued tone ends.
-  std::int64_t add(const std::vector<MusicTone>& tones, std::string_view operation) {
-    std::lock_guard lock(mutex_);
-    const std::int64_t now = position();
-    dropPlayed(now);
-    end_ = std::max(end_, now);
-    for (const MusicTone& tone : tones) {
-      const std::int64_t room = SoundQueueSamples - (end_ - now);
-      const std::int64_t length = std::min(tone.Length, room);
-      if (length > 0) {
-        tones_.push_back({tone.Frequency, std::min(tone.Sounding, length), length, end_});
-        end_ += length;
+  Placement add(const std::vector<MusicTone>& tones, std::string_view operation) {
+    bool dropped = false;
+    Placement placement;
+    {
+      std::lock_guard lock(mutex_);
+      const std::int64_t now = position();
+      dropPlayed(now);
+      end_ = std::max(end_, now);
+      for (const MusicTone& tone : tones) {
+        const std::int64_t length = std::min(tone.Length, SoundQueueSamples - (end_ - now));
+        if (length > 0) {
+          tones_.push_back({tone.Frequency, std::min(tone.Sounding, length), length, end_});
+          end_ += length;
+        }
+        dropped = length < tone.Length;
+        if (dropped) break;
       }
-      if (length < tone.Length) {
-        logLine(operation, ": The sound queue is full; the rest is dropped.");
-        break;
-      }
+      placement = {end_, stops_};
     }
-    return end_;
+    if (dropped) logLine(operation, ": The sound queue is full; the rest is dropped.");
+    return placement;
   }
 
-  // Waits until the play position reaches `end`, or the sound is stopped.
-  void waitUntil(std::int64_t end) {
+  // Waits until the music placed has played, or a stop came after it.
+  void waitFor(const Placement& music) {
     std::unique_lock lock(mutex_);
-    const std::uint64_t stops = stops_;
-    while (position() < end && stops_ == stops) {
-      if (pulled_) {
-        pulledOrStopped_.wait_for(lock, 20ms);
-      } else {
-        const auto left =
-            std::chrono::microseconds((end - position()) * 1'000'000 / SoundSampleRate);
-        pulledOrStopped_.wait_for(lock, left + 100us);
-      }
-    }
+    while (position() < music.End && stops_ == music.Stops) waitAWhile(lock, music.End);
   }
 
-  std::int64_t end() {
-    std::lock_guard lock(mutex_);
-    return end_;
+  // Waits until everything queued has played, what other threads queue meanwhile too.
+  void waitForAll() {
+    std::unique_lock lock(mutex_);
+    while (position() < end_) waitAWhile(lock, end_);
   }
 
   void stop() {
@@ -152,6 +152,15 @@ class SoundQueue {
         std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - origin_);
     return elapsed.count() * SoundSampleRate / 1'000'000;
   }
+  // Waits for the next pull or stop; without audio output, until the clock reaches `end`.
+  void waitAWhile(std::unique_lock<std::mutex>& lock, std::int64_t end) {
+    if (pulled_) {
+      pulledOrStopped_.wait_for(lock, 20ms);
+      return;
+    }
+    const auto left = std::chrono::microseconds((end - position()) * 1'000'000 / SoundSampleRate);
+    pulledOrStopped_.wait_for(lock, left + 100us);
+  }
   void dropPlayed(std::int64_t now) {
     while (!tones_.empty() && tones_.front().end() <= now) tones_.pop_front();
   }
@@ -204,13 +213,12 @@ void t_Play(std::string_view music) {
   queue.setMusicSettings(reading.Settings);
   if (reading.Tones.empty()) return;
   queue.startOutput("t_Play");
-  const std::int64_t end = queue.add(reading.Tones, "t_Play");
-  if (!reading.Settings.Background) queue.waitUntil(end);
+  const SoundQueue::Placement placement = queue.add(reading.Tones, "t_Play");
+  if (!reading.Settings.Background) queue.waitFor(placement);
 }
 
 void t_SoundWait() {
-  SoundQueue& queue = soundQueue();
-  queue.waitUntil(queue.end());
+  soundQueue().waitForAll();
 }
 
 void t_SoundStop() {
