@@ -39,12 +39,16 @@ class MusicReader {
   }
 
   MusicReading read() {
-    while (reading_.ErrorPosition == 0 && peek()) readCommand();
+    while (reading_.ErrorPosition == 0 && !atEnd()) readCommand();
     if (reading_.ErrorPosition != 0) reading_.Tones.clear();
     return std::move(reading_);
   }
 
  private:
+  bool atEnd() {
+    peek();
+    return at_ == text_.size();
+  }
   // The next non-blank character, upper case, without taking it; 0 at the end.
   char peek() {
     while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
@@ -54,7 +58,7 @@ class MusicReader {
   }
   char take() {
     const char c = peek();
-    if (c != 0) ++at_;
+    if (at_ < text_.size()) ++at_;
     return c;
   }
   // The 1-based position of the next non-blank character, or one past the end.

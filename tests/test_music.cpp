@@ -83,10 +83,27 @@ TEST(MusicTest, LongMusicKeepsItsTimeToTheSample) {
 
 TEST(MusicTest, AnIllegalTextGivesNoTonesAndThePlaceOfItsError) {
   const std::pair<std::string, std::size_t> cases[] = {
-      {"CDX", 3}, {"O7", 2},   {"O", 2},   {"L0", 2},       {"L65", 2},
-      {"T31", 2}, {"T256", 2}, {"T", 2},   {"MZ", 2},       {"M", 2},
-      {"C65", 2}, {"C0", 2},   {"N85", 2}, {"O0 C-", 4},    {"O6 B#", 4},
-      {"P65", 2}, {"  x", 3},  {"C;D", 2}, {"c d  e q", 8}, {"T99999999999999999999", 2},
+      {"CDX", 3},
+      {"O7", 2},
+      {"O", 2},
+      {"L0", 2},
+      {"L65", 2},
+      {"T31", 2},
+      {"T256", 2},
+      {"T", 2},
+      {"MZ", 2},
+      {"M", 2},
+      {"C65", 2},
+      {"C0", 2},
+      {"N85", 2},
+      {"O0 C-", 4},
+      {"O6 B#", 4},
+      {"P65", 2},
+      {"  x", 3},
+      {"C;D", 2},
+      {"c d  e q", 8},
+      {"T99999999999999999999", 2},
+      {std::string("C\0D", 3), 2},
   };
   for (const auto& [music, position] : cases) {
     const MusicReading reading = readMusic(music);
