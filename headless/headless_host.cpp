@@ -5,10 +5,14 @@
 // pasteboard and file panels live in memory.
 #include "rvtools/headless.hpp"
 
+#include "headless/sound_file.hpp"
+
 namespace rvtools {
 
 HeadlessHost::HeadlessHost(std::string bundlePath)
     : bundlePath_(bundlePath.empty() ? bundleAroundExecutable() : std::move(bundlePath)) {}
+
+HeadlessHost::~HeadlessHost() = default;
 
 // ---------------------------------------------------------------------------------------------
 // What a caller can look at and set
@@ -123,6 +127,32 @@ bool HeadlessHost::playSound(Sound sound) {
 void HeadlessHost::systemBeep() {
   std::lock_guard lock(mutex_);
   ++beeps_;
+}
+
+void HeadlessHost::setSoundFile(std::string path) {
+  std::lock_guard lock(mutex_);
+  soundPath_ = std::move(path);
+}
+
+// The audio output starts when a file was set and can be written.
+bool HeadlessHost::startSoundOutput() {
+  std::lock_guard lock(mutex_);
+  if (soundPath_.empty() || soundFile_) return false;
+  auto file = std::make_unique<headless::SoundFile>(soundPath_);
+  if (!file->isOpen()) return false;
+  soundFile_ = std::move(file);
+  soundFile_->start();
+  return true;
+}
+
+void HeadlessHost::finishSoundOutput() {
+  std::lock_guard lock(mutex_);
+  if (soundFile_) soundFile_->finish();
+}
+
+std::int64_t HeadlessHost::audibleSamplesWritten() const {
+  std::lock_guard lock(mutex_);
+  return soundFile_ ? soundFile_->audibleSamples() : 0;
 }
 
 void HeadlessHost::setPasteboardText(const std::string& text) {

@@ -2,8 +2,8 @@
 // runHeadless: the whole main of a program without a display. It installs a headless host, seeds
 // the random numbers when asked, runs the launch sequence, starts recording the program's first
 // window once it is up, types, clicks and chooses what the command line asks for, waits for the
-// program to end, and leaves the recording and the first window's picture and screen in files
-// when asked to (run_options.hpp). Interrupted by SIGINT or SIGTERM, it leaves those files as
+// program to end, and leaves the recording, the sound and the first window's picture and screen
+// in files when asked to (run_options.hpp). Interrupted by SIGINT or SIGTERM, it leaves them as
 // they are at that moment before it ends.
 #include <pthread.h>
 
@@ -118,9 +118,10 @@ void writeScreen(UInt8 window, const std::string& path) {
 }
 
 // Leaves the files once, whether the program's end or an interruption comes first.
-void leaveFiles(const headless::RunOptions& options) {
+void leaveFiles(HeadlessHost& host, const headless::RunOptions& options) {
   static std::once_flag left;
   std::call_once(left, [&] {
+    host.finishSoundOutput();
     const UInt8 window = DefaultWindow;
     if (!options.RecordPath.empty() && t_IsRecording(window)) t_RecordStop(window);
     if (!options.PicturePath.empty()) t_SavePicture(window, options.PicturePath);
@@ -145,13 +146,13 @@ sigset_t interruptions() {
 // Blocks the interruptions in this thread and so in every thread started after it, and waits
 // for them on a thread of its own: there, outside any signal handler, it leaves the files and
 // then ends the process by the signal's default action, so that its parent sees it interrupted.
-void leaveFilesWhenInterrupted(const headless::RunOptions& options) {
+void leaveFilesWhenInterrupted(HeadlessHost& host, const headless::RunOptions& options) {
   const sigset_t signals = interruptions();
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  std::thread([options, signals] {
+  std::thread([&host, options, signals] {
     int signal = 0;
     if (sigwait(&signals, &signal) != 0) return;
-    leaveFiles(options);
+    leaveFiles(host, options);
     std::signal(signal, SIG_DFL);
     sigset_t raised;
     sigemptyset(&raised);
@@ -171,13 +172,14 @@ int runHeadless(int argc, char** argv, std::function<void()> entry) {
   }
   static auto* host = new HeadlessHost;
   setHost(*host);
+  if (!options.SoundPath.empty()) host->setSoundFile(options.SoundPath);
   if (options.Seed) t_Randomize(*options.Seed);
-  leaveFilesWhenInterrupted(options);
+  leaveFilesWhenInterrupted(*host, options);
   runLaunchSequence(std::move(entry));
   startRecording(options.RecordPath);
   giveInputs(*host, options.Inputs);
   waitForProgramEnd();
-  leaveFiles(options);
+  leaveFiles(*host, options);
   runTerminationSequence();
   return 0;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The command line of runHeadless: scripted keys, clicks and menu choices, the seed of the
-// random numbers, and the files a program leaves: its recording and, when it has ended, its
-// picture and screen. Keys without text are named in braces, as they are printed on the keys:
-// {Left}, {Right}, {Up}, {Down}, {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the forward
-// delete), {Backspace}, {Return}, {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12}; a
-// pause between keys is {wait <ms>}.
+// random numbers, and the files a program leaves: its recording, its sound and, when it has
+// ended, its picture and screen. Keys without text are named in braces, as they are printed on
+// the keys: {Left}, {Right}, {Up}, {Down}, {Home}, {End}, {PageUp}, {PageDown}, {Delete} (the
+// forward delete), {Backspace}, {Return}, {Enter} (the keypad's), {Escape}, {Tab}, {F1}..{F12};
+// a pause between keys is {wait <ms>}.
 #include "headless/run_options.hpp"
 
 #include <algorithm>
@@ -191,7 +191,7 @@ RunOptions parseRunOptions(int argc, char** argv) {
     const std::string_view option = argv[i];
     const bool known = option == "--keys" || option == "--click" || option == "--menu" ||
                        option == "--record" || option == "--picture" || option == "--screen" ||
-                       option == "--seed";
+                       option == "--sound" || option == "--seed";
     if (!known) continue;
     if (i + 1 >= argc) {
       options.Error = std::string(option) + " needs a value";
@@ -211,6 +211,8 @@ RunOptions parseRunOptions(int argc, char** argv) {
       options.Inputs.emplace_back(MenuChoice{std::string(value)});
     } else if (option == "--record") {
       options.RecordPath = value;
+    } else if (option == "--sound") {
+      options.SoundPath = value;
     } else if (option == "--picture") {
       options.PicturePath = value;
     } else {

@@ -12,6 +12,7 @@
 //                     program has ended (t_RecordStart)
 //   --picture <path>  the first window's picture as a PNG file when the program has ended
 //   --screen <path>   its text screen and colours as a text file when the program has ended
+//   --sound <path>    the sound the program plays, in its time, as a WAV file
 //   --seed <n>        t_Randomize(n) before the program starts
 //
 // Inputs are given in the order they stand, each once the program has taken the keys before
@@ -52,6 +53,7 @@ struct RunOptions {
   std::string RecordPath;
   std::string PicturePath;
   std::string ScreenPath;
+  std::string SoundPath;
   std::optional<Int> Seed;
   std::string Error;  // what was wrong with the command line; empty when all was understood
 };

@@ -75,6 +75,10 @@ bool Host::playSound(Sound) {
 
 void Host::systemBeep() {}
 
+bool Host::startSoundOutput() {
+  return false;
+}
+
 std::string Host::pasteboardText() {
   std::lock_guard lock(pasteboardMutex_);
   return pasteboard_;

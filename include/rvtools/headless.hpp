@@ -8,7 +8,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -19,11 +21,16 @@
 
 namespace rvtools {
 
+namespace headless {
+class SoundFile;
+}
+
 class HeadlessHost : public InMemoryHost {
  public:
   // Resources are looked up in bundlePath/Contents/Resources; an empty path means the
   // <Name>.app folder around the running executable.
   explicit HeadlessHost(std::string bundlePath = {});
+  ~HeadlessHost() override;
 
   // What the host records about window 0..12.
   struct WindowState {
@@ -56,6 +63,13 @@ class HeadlessHost : public InMemoryHost {
   void setViewPresent(UInt8 window, bool present);
   int beeps() const;
   int clicks() const;
+  // The WAV file that the audio output writes, set before the program first sounds; without
+  // one the host has no audio output. It holds the sound in the program's time from the first
+  // tone on, 16-bit mono, and is finished by finishSoundOutput.
+  void setSoundFile(std::string path);
+  void finishSoundOutput();
+  // How many samples that were not silent the audio output has written.
+  std::int64_t audibleSamplesWritten() const;
 
   // The interface thread is whichever thread calls; a view redraws at once, composing the
   // window's picture into its buffer.
@@ -69,6 +83,7 @@ class HeadlessHost : public InMemoryHost {
   std::string bundlePath() override;
   bool playSound(Sound sound) override;
   void systemBeep() override;
+  bool startSoundOutput() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardImage(const t_Image& image) override;
   std::string runFilePanel(const FilePanelRequest& request) override;
@@ -90,6 +105,8 @@ class HeadlessHost : public InMemoryHost {
   FilePanelRequest lastFilePanel_;
   int beeps_ = 0;
   int clicks_ = 0;
+  std::string soundPath_;
+  std::unique_ptr<headless::SoundFile> soundFile_;
 };
 
 // The whole main of a program without a display: installs a headless host, runs the launch
@@ -110,6 +127,7 @@ class HeadlessHost : public InMemoryHost {
 //   --click <x>,<y>   a left click at pixel (x, y) of the first window's drawing area
 //   --menu <item>     chooses the menu item of that title
 // When the program has ended it leaves, if asked:
+//   --sound <path>    the sound the program played, as a WAV file (HeadlessHost::setSoundFile)
 //   --picture <path>  the first window's picture as a PNG file (t_SavePicture)
 //   --screen <path>   its text screen (unicodeScreenText), an empty line, and its colour bytes
 //                     (screenColorText)

@@ -26,6 +26,7 @@
 #include "rvtools/menu_tags.hpp"
 #include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
+#include "rvtools/sound.hpp"
 #include "rvtools/types.hpp"
 #include "rvtools/window_view.hpp"
 

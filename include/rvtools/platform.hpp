@@ -108,6 +108,11 @@ class Host {
   // then the runtime beeps instead. By default there are no sounds and the beep is silent.
   virtual bool playSound(Sound sound);
   virtual void systemBeep();
+  // Tones and music (rvtools/sound.hpp): starts the platform's audio output, whose own thread
+  // then pulls the runtime's samples with pullSoundSamples, mono at SoundSampleRate, for as
+  // long as the application runs. False when there is no audio device, as by default: the
+  // runtime then plays its queue silently, in real time.
+  virtual bool startSoundOutput();
 
   // The general pasteboard: its plain text, or a picture (the pasteboard is cleared first). By
   // default a pasteboard in memory, so that a program can still copy and paste within itself.

@@ -12,6 +12,7 @@
 //   keys.hpp        key numbers, modifier flags and the values programs receive for keys
 //   input.hpp       keys, the line input editor, mouse, menus
 //   lifecycle.hpp   video memory and window initialisation, quitting
+//   sound.hpp       tones and music
 //   version.hpp     the version of rvtools
 // A host (rvtools/host.hpp) or a picture library (rvtools/picture.hpp) has a header of its own.
 #pragma once
@@ -23,6 +24,7 @@
 #include "rvtools/lifecycle.hpp"
 #include "rvtools/platform.hpp"
 #include "rvtools/runtime.hpp"
+#include "rvtools/sound.hpp"
 #include "rvtools/text.hpp"
 #include "rvtools/types.hpp"
 #include "rvtools/version.hpp"
