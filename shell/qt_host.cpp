@@ -231,6 +231,16 @@ void QtHost::systemBeep() {
   runOnInterfaceThread([] { QApplication::beep(); });
 }
 
+// The sink is made on the GUI thread, whose event loop then feeds it.
+bool QtHost::startSoundOutput() {
+  bool started = false;
+  runOnInterfaceThread([&] {
+    if (!tones_) tones_ = ToneOutput::start();
+    started = tones_ != nullptr;
+  });
+  return started;
+}
+
 std::string QtHost::pasteboardText() {
   std::string text;
   runOnInterfaceThread([&] { text = QGuiApplication::clipboard()->text().toStdString(); });

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Internal: the host on Qt. Platform work runs on the GUI thread: directly when the caller is
 // there, else handed over to it and waited for. Windows, views, menus and text views are those of
-// the application delegate; sounds come from the bundle's resources.
+// the application delegate; sounds come from the bundle's resources; tones and music from the
+// runtime play through Qt Multimedia.
 #pragma once
 
 #include <QPlainTextEdit>
@@ -10,6 +11,7 @@
 #include "rvtools/host.hpp"
 #include "shell/app_delegate.hpp"
 #include "shell/sound_player.hpp"
+#include "shell/tone_output.hpp"
 
 namespace rvtools::shell {
 
@@ -37,6 +39,7 @@ class QtHost final : public Host {
   std::string bundlePath() override;
   bool playSound(Sound sound) override;
   void systemBeep() override;
+  bool startSoundOutput() override;
   std::string pasteboardText() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardImage(const t_Image& image) override;
@@ -59,6 +62,7 @@ class QtHost final : public Host {
   AppDelegate& delegate_;
   std::string bundlePath_;
   std::unique_ptr<SoundPlayer> sounds_;
+  std::unique_ptr<ToneOutput> tones_;  // on the GUI thread only
   InterfaceWork work_;
   std::unique_ptr<QObject> receiver_;
 };

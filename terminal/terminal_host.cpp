@@ -148,6 +148,11 @@ void TerminalHost::systemBeep() {
   device_.write("\a");
 }
 
+// The runtime starts the output once per host, from the thread that first sounds.
+bool TerminalHost::startSoundOutput() {
+  return tones_.start();
+}
+
 // The text is kept here, for the program's paste, and sent to the terminal's clipboard, for
 // other programs (OSC 52; a terminal that does not take it ignores it).
 void TerminalHost::setPasteboardText(const std::string& text) {

@@ -19,6 +19,7 @@
 #include "terminal/guessed_releases.hpp"
 #include "terminal/input_parser.hpp"
 #include "terminal/terminal_device.hpp"
+#include "terminal/tone_stream.hpp"
 #include "terminal/window_cells.hpp"
 
 namespace rvtools::terminal {
@@ -46,6 +47,8 @@ class TerminalHost final : public InMemoryHost {
   void systemBeep() override;
   void setPasteboardText(const std::string& text) override;
   void setPasteboardScreenText(UInt8 window, const std::string& screen) override;
+  // Tones and music through PortAudio's default output device.
+  bool startSoundOutput() override;
 
  private:
   // The interface thread's loop and what it does with each input.
@@ -73,6 +76,7 @@ class TerminalHost final : public InMemoryHost {
   TerminalDevice& device_;
   int wakePipe_[2] = {-1, -1};
   InterfaceWork work_;
+  ToneStream tones_;
 
   std::mutex orderMutex_;
   std::vector<UInt8> frontToBack_;  // shown windows, the front one last

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The drop demo in tmux at 80 x 26 as a user meets it, and the terminal given back after the
 // program's end, the menu's Quit, a hang-up and a crash, and when the pane goes; the plot
-// example's pixel drawings as block symbols.
+// example's pixel drawings as block symbols; the music example in silence where there is no
+// audio device.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -334,6 +335,29 @@ TEST(PlotInTmux, AxesAndCurveAsBlocksAndTheLabelsAsText) {
   EXPECT_NE(coloured.find("\x1B[38;2;255;255;0m▄▄▄"), std::string::npos);
   EXPECT_EQ(colourAt(coloured, "y = sin x", "38"), "0;255;0");
   EXPECT_EQ(colourAt(coloured, "2pi", "48"), "0;0;0");
+}
+
+// The music example where PortAudio finds no device (no sound card, no sound server): the tune
+// takes its length in silence, the log says so once, and what ALSA and JACK say while PortAudio
+// looks for a device reaches neither the screen nor the log.
+TEST(MusicInTmux, WithoutADeviceTheTuneTakesItsTimeAndNothingIsSaid) {
+  if (std::filesystem::exists("/dev/snd")) GTEST_SKIP() << "a sound card is here";
+  const auto start = std::chrono::steady_clock::now();
+  TmuxSession session(std::string("env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ") +
+                          RVTOOLS_MUSIC + " --terminal --log log",
+                      40, 11);
+  // 32 eighth notes at 180 quarters a minute: 5 1/3 seconds.
+  ASSERT_TRUE(session.waitForLine(10, "The program has ended", 60s));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, 5333ms);
+  EXPECT_NE(session.screen()[7].find("The end."), std::string::npos);
+  const std::string log = fileText(session.folder() + "/log");
+  EXPECT_NE(log.find("\nt_Play: No audio output; the sound is silent.\n"), std::string::npos);
+  for (const char* noise : {"ALSA", "jack", "Jack", "PortAudio"}) {
+    EXPECT_EQ(log.find(noise), std::string::npos) << noise << " in the log:\n" << log;
+  }
+  for (const std::string& line : session.screen()) {
+    EXPECT_EQ(line.find("ALSA"), std::string::npos) << line;
+  }
 }
 
 }  // namespace
