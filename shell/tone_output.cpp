@@ -41,6 +41,7 @@ bool ToneSource::isSequential() const {
 // Samples are pulled into a buffer of their own, since `data` need not be aligned for them.
 qint64 ToneSource::readData(char* data, qint64 maxSize) {
   const auto count = static_cast<std::size_t>(std::max<qint64>(maxSize, 0) / BytesPerSample);
+  if (count == 0) return 0;
   samples_.resize(count);
   pullSoundSamples(samples_.data(), count);
   const qint64 bytes = static_cast<qint64>(count) * BytesPerSample;
