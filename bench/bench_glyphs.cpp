@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Glyph rendering: one 16 x 32 cell per iteration at each depth, beside a memset of the bytes
-// that one cell covers, both as one run and row by row at the picture's stride.
+// that one cell covers, row by row at the picture's stride (as one run: BM_Memset of
+// bench_pixels.cpp, 64 to 2,048 bytes).
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -34,18 +35,6 @@ void BM_PrintSymbol(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * cellBytes(depth));
 }
 BENCHMARK(BM_PrintSymbol)->Arg(1)->Arg(4)->Arg(8)->Arg(16)->Arg(24)->Arg(32);
-
-// The bytes of one cell at depths 1 to 32 (64 to 2,048) written as one run.
-void BM_MemsetRun(benchmark::State& state) {
-  std::vector<UInt8> cell(static_cast<std::size_t>(state.range(0)));
-  UInt8 value = 0;
-  for (auto _ : state) {
-    std::memset(cell.data(), ++value, cell.size());
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(state.iterations() * state.range(0));
-}
-BENCHMARK(BM_MemsetRun)->Arg(64)->Arg(256)->Arg(512)->Arg(1024)->Arg(1536)->Arg(2048);
 
 // The bytes that BM_PrintSymbol writes, as they lie in the 1280 x 800 picture: 32 rows of one
 // cell's width at the depth, a row of the picture apart. This is the least that drawing a cell

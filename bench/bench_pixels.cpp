@@ -32,7 +32,8 @@ void BM_HRectFilled(benchmark::State& state) {
 }
 BENCHMARK(BM_HRectFilled)->Arg(1)->Arg(4)->Arg(8)->Arg(16)->Arg(24)->Arg(32);
 
-// The bytes of the picture at depths 1, 4, 8, 16, 24 and 32.
+// The bytes of one 16 x 32 cell and of the picture at depths 1, 4, 8, 16, 24 and 32, and of one
+// second of sound (96,000).
 void BM_Memset(benchmark::State& state) {
   std::vector<UInt8> picture(static_cast<std::size_t>(state.range(0)));
   UInt8 value = 0;
@@ -43,6 +44,13 @@ void BM_Memset(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_Memset)
+    ->Arg(64)
+    ->Arg(256)
+    ->Arg(512)
+    ->Arg(1024)
+    ->Arg(1536)
+    ->Arg(2048)
+    ->Arg(96000)
     ->Arg(pictureBytes(1))
     ->Arg(pictureBytes(4))
     ->Arg(pictureBytes(8))

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Sound: the cost of making one second of music (48,000 samples of eighth notes with their fades,
-// pulled as an audio thread pulls them, 10 ms at a time) beside a memset of the same 96,000
-// bytes; and the time from t_Sound to the first sample of the tone handed to the headless
-// host's audio output, which pulls every 2 ms.
+// pulled as an audio thread pulls them, 10 ms at a time), to read beside a memset of the same
+// 96,000 bytes (BM_Memset/96000 of bench_pixels.cpp); and the time from t_Sound to the first
+// sample of the tone handed to the headless host's audio output, which pulls every 2 ms.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <thread>
 #include <vector>
@@ -47,16 +46,6 @@ void BM_SoundSynthesisOfOneSecond(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * Int{SecondOfSamples} * 2);
 }
 BENCHMARK(BM_SoundSynthesisOfOneSecond)->Unit(benchmark::kMicrosecond);
-
-void BM_SoundMemsetBaseline(benchmark::State& state) {
-  std::vector<std::int16_t> samples(SecondOfSamples);
-  for (auto _ : state) {
-    std::memset(samples.data(), 1, samples.size() * 2);
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(state.iterations() * Int{SecondOfSamples} * 2);
-}
-BENCHMARK(BM_SoundMemsetBaseline)->Unit(benchmark::kMicrosecond);
 
 // Each iteration queues a tone and waits, without sleeping, until the host has written a sample
 // of it; the time between is the iteration's. The host writes its file in the temporary folder
